@@ -1,0 +1,36 @@
+# qvt_test(<name> [LAYER <layer>] SOURCES <file>... [LABELS <label>...] [LINK <library>...] [TIMEOUT <seconds>])
+# Makes a GoogleTest program whose cases are tests of ctest. With LAYER it links that layer and those left of it; without, the
+# shared libraries alone: never both, or each class would stand in the program twice.
+# LABELS is `unit` when left out; labels in use: unit contract golden abi lint consumer slow threaded.
+function(qvt_test name)
+    cmake_parse_arguments(PARSE_ARGV 1 test "" "LAYER;TIMEOUT" "SOURCES;LABELS;LINK")
+    if(test_LAYER)
+        set(tested qvt_layer_${test_LAYER})
+    else()
+        set(tested qvt_data)
+    endif()
+    if(NOT TARGET ${tested})
+        message(STATUS "${name} waits for ${tested}")
+        return()
+    endif()
+    if(NOT test_LABELS)
+        set(test_LABELS unit)
+    endif()
+    if(NOT test_TIMEOUT)
+        set(test_TIMEOUT 300)
+    endif()
+    add_executable(${name} ${test_SOURCES})
+    qvt_warnings(${name})
+    target_include_directories(${name} PRIVATE "${PROJECT_SOURCE_DIR}/tests")
+    target_link_libraries(${name} PRIVATE ${tested} ${test_LINK} GTest::gmock GTest::gtest_main)
+    set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/bin/tests")
+    list(JOIN test_LABELS "\\;" labels)
+    gtest_discover_tests(${name}
+        DISCOVERY_MODE PRE_TEST
+        DISCOVERY_TIMEOUT 60
+        TEST_PREFIX "${name}."
+        PROPERTIES LABELS "${labels}" TIMEOUT ${test_TIMEOUT})
+    if("threaded" IN_LIST test_LABELS)
+        set_property(GLOBAL APPEND PROPERTY QVT_THREADED_TESTS ${name})
+    endif()
+endfunction()

@@ -53,6 +53,8 @@ endfunction()
 function(qvt_library name)
     cmake_parse_arguments(PARSE_ARGV 1 library "" "" "LAYERS;LINK")
     list(TRANSFORM library_LAYERS PREPEND qvt_layer_)
+    # Users before the used: a layer named twice on the link line would be taken in whole twice.
+    list(REVERSE library_LAYERS)
     foreach(layer IN LISTS library_LAYERS)
         if(NOT TARGET ${layer})
             message(STATUS "qvt_${name} waits for ${layer}")

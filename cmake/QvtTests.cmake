@@ -2,6 +2,10 @@
 # Makes a GoogleTest program whose cases are tests of ctest. With LAYER it links that layer and those left of it; without, the
 # shared libraries alone: never both, or each class would stand in the program twice.
 # LABELS is `unit` when left out; labels in use: unit contract golden abi lint consumer slow threaded.
+#
+# The target qvt_threaded_tests builds the programs labelled `threaded` and no others.
+add_custom_target(qvt_threaded_tests)
+
 function(qvt_test name)
     cmake_parse_arguments(PARSE_ARGV 1 test "" "LAYER;TIMEOUT" "SOURCES;LABELS;LINK")
     if(test_LAYER)
@@ -24,13 +28,18 @@ function(qvt_test name)
     target_include_directories(${name} PRIVATE "${PROJECT_SOURCE_DIR}/tests")
     target_link_libraries(${name} PRIVATE ${tested} ${test_LINK} GTest::gmock GTest::gtest_main)
     set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/bin/tests")
-    list(JOIN test_LABELS "\\;" labels)
     gtest_discover_tests(${name}
         DISCOVERY_MODE PRE_TEST
         DISCOVERY_TIMEOUT 60
+        NO_PRETTY_VALUES
         TEST_PREFIX "${name}."
-        PROPERTIES LABELS "${labels}" TIMEOUT ${test_TIMEOUT})
+        TEST_LIST cases
+        PROPERTIES TIMEOUT ${test_TIMEOUT})
+    # Discovery takes a list of labels apart, so they are set on the cases it has found.
+    set(labelled "${CMAKE_CURRENT_BINARY_DIR}/${name}_labels.cmake")
+    file(WRITE "${labelled}" "if(cases)\n  set_tests_properties(\${cases} PROPERTIES LABELS \"${test_LABELS}\")\nendif()\nunset(cases)\n")
+    set_property(DIRECTORY APPEND PROPERTY TEST_INCLUDE_FILES "${labelled}")
     if("threaded" IN_LIST test_LABELS)
-        set_property(GLOBAL APPEND PROPERTY QVT_THREADED_TESTS ${name})
+        add_dependencies(qvt_threaded_tests ${name})
     endif()
 endfunction()

@@ -1,0 +1,16 @@
+#pragma once
+
+#include <cstdint>
+
+namespace norvane::platform::data::structure {
+
+/// What sort of container a container is. Not the kind of a record: every container is a record of one and
+/// the same kind. The values are persistent. Interfaces pass them as std::uint32_t, because a store may hold
+/// others.
+enum ContainerKind : std::uint32_t {
+    kNode = 0,
+    kGroup = 1,
+    kLink = 2,
+};
+
+}  // namespace norvane::platform::data::structure

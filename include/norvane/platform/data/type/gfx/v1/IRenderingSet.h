@@ -1,0 +1,14 @@
+#pragma once
+
+#include "norvane/platform/data/type/IType.h"
+
+namespace norvane::platform::data::type::gfx::v1 {
+
+/// A set of rendering nodes. The library has only its number; hosts derive from it and add the operations.
+class QVT_DATA_TYPE IRenderingSet : public IType {
+  public:
+    /// 10.
+    static QVT_DATA_API const std::uint32_t _kID;
+};
+
+}  // namespace norvane::platform::data::type::gfx::v1

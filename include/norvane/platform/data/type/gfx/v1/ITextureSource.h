@@ -1,0 +1,15 @@
+#pragma once
+
+#include "norvane/platform/data/type/IType.h"
+
+namespace norvane::platform::data::type::gfx::v1 {
+
+/// Where the picture of a texture comes from. The library has only its number; hosts derive from it and add
+/// the operations.
+class QVT_DATA_TYPE ITextureSource : public IType {
+  public:
+    /// 19.
+    static QVT_DATA_API const std::uint32_t _kID;
+};
+
+}  // namespace norvane::platform::data::type::gfx::v1

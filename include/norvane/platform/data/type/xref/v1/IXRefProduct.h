@@ -1,0 +1,15 @@
+#pragma once
+
+#include "norvane/platform/data/type/IType.h"
+
+namespace norvane::platform::data::type::xref::v1 {
+
+/// A product that references lead into. The library has only its number; hosts derive from it and add the
+/// operations.
+class QVT_DATA_TYPE IXRefProduct : public IType {
+  public:
+    /// 5.
+    static QVT_DATA_API const std::uint32_t _kID;
+};
+
+}  // namespace norvane::platform::data::type::xref::v1

@@ -1,0 +1,15 @@
+#pragma once
+
+#include "norvane/platform/data/type/IType.h"
+
+namespace norvane::platform::data::type::xref::v1 {
+
+/// The outcome of looking up the target of a reference. The library has only its number; hosts derive from it
+/// and add the operations.
+class QVT_DATA_TYPE IXRefTargetResolution : public IType {
+  public:
+    /// 6.
+    static QVT_DATA_API const std::uint32_t _kID;
+};
+
+}  // namespace norvane::platform::data::type::xref::v1

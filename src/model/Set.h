@@ -1,0 +1,91 @@
+// Open objects that have children.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "model/Item.h"
+
+namespace norvane::platform::data::Metadata {
+
+// One child as the index knows it.
+struct ChildEntry {
+    std::uint32_t offset;
+    std::u16string name;
+};
+
+// An item with children: a name index over the entities in its list record. The list is the truth for the
+// order; the index is what this object answers lookups from, as it was at opening, with this object's own
+// changes. Children are kinds 1, 2 and 4; of equal names the first is found, and reserved names never are.
+class Set : public Item {
+  public:
+    ~Set() override;
+
+    // A direct child's offset, or BADOFF. The name is matched whole: a "." in it means nothing.
+    std::uint32_t find(std::u16string_view name);
+    // The offset at the end of a dotted path, or BADOFF; see `resolvePath` for paths that run into a
+    // primitive.
+    std::uint32_t resolve(std::u16string_view path);
+    // Entry `index` of the stored list, BADOFF past its end.
+    std::uint32_t childAt(std::uint32_t index);
+    // How many names the index holds; equal names count once.
+    std::uint32_t childCount();
+    // The stored list, read once.
+    std::vector<std::uint32_t> children();
+
+    // Lists an entity that exists as the last child and sets its parent. False, with nothing changed, when it
+    // is no entity that can be a child or its name is taken.
+    bool addChild(std::uint32_t offset);
+    // Deletes a direct child and all below it. False, with nothing changed, when there is none of that name,
+    // or it is fixed, or it or anything below is open elsewhere.
+    bool removeChild(std::u16string_view name);
+    // False when the new name is taken, the old one missing, or the child fixed. Open objects on the child
+    // keep the old name.
+    bool renameChild(std::u16string_view oldName, std::u16string_view newName);
+    // Copies a child of another set in and marks all of the copy as fixed and inherited. A child that is here
+    // under that name already wins, and nothing is copied.
+    void importChild(IDataStore* sourceStore, std::uint32_t offset);
+
+    // Reads the list anew, for a record whose children were changed through another object.
+    void reloadChildren();
+    // Deletes all children without asking whether they may go.
+    void eraseChildren();
+
+  protected:
+    Set() noexcept;
+
+    // Takes over the children of the record; an object opened as a handle indexes them.
+    void bindChildren(const Record::View& record) { childrenRecord_ = record.load(Record::field::children); }
+    void indexChildren(Opening opening);
+    bool areChildrenRemovable();
+    void forgetChildren();
+
+  private:
+    void loadChildren();
+    void insert(std::uint32_t offset, std::u16string name);
+    void dropIndex();
+    void link(std::uint32_t offset);
+    bool adoptList();
+
+    NameMap<ChildEntry*> index_;
+    std::uint32_t childrenRecord_;
+    bool indexed_ = true;  // a new set has no children: its empty index is complete
+};
+
+// The set over the record that everything hangs below. It has no parent, no path, and is never copied.
+class Root final : public Set {
+  public:
+    // Opens the root record there.
+    Root(IDataStore* store, std::uint32_t offset, Opening opening = Opening::handle);
+    // Appends a new root record.
+    Root(IDataStore* store, std::u16string_view name);
+
+    bool isRemovable() override;
+    void erase() override;
+    // Copies nothing; BADOFF.
+    std::uint32_t clone(IDataStore* target) override;
+};
+
+}  // namespace norvane::platform::data::Metadata

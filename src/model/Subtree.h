@@ -1,0 +1,31 @@
+// What is done to an entity with all below it. Nothing here recurses: a document may be nested as deep as
+// memory allows. In a damaged store a set can stand below itself; the walk does not enter it again.
+#pragma once
+
+#include <cstdint>
+
+#include "records/Records.h"
+
+namespace norvane::platform::data::Metadata {
+
+// Whether no object is open on the entity or on anything below it, besides the `openHere` that the caller
+// knows of on the entity itself.
+bool isSubtreeClosed(IDataStore* store, std::uint32_t offset, std::uint32_t openHere);
+
+// Removes all that the entity refers to: localised strings, children, defaults. The record itself stays as it
+// is, and is the caller's to change or remove.
+void eraseSubtree(IDataStore* store, std::uint32_t offset);
+
+// What a copy gets that the source does not have.
+struct CloneChanges {
+    bool setsParent = false;
+    std::uint32_t parent = 0;
+    std::uint8_t addedFlags = 0;  // for the entity and all below it
+};
+
+// Copies the entity with all below it; gives the copy's offset, BADOFF when there is no primitive, table or
+// container to copy. Appends in the order entity, localised strings, list, children, defaults.
+std::uint32_t cloneSubtree(IDataStore* source, std::uint32_t offset, IDataStore* target,
+                           const CloneChanges& changes = {});
+
+}  // namespace norvane::platform::data::Metadata

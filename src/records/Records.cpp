@@ -1,0 +1,261 @@
+#include "records/Records.h"
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <utility>
+
+#include "norvane/platform/core/memory/PooledHeap.h"
+#include "records/SizeClass.h"
+
+namespace norvane::platform::data::Record {
+
+using core::memory::PooledHeap;
+
+namespace {
+
+constexpr std::uint32_t kWholeRecord = 0xFFFFFFFFu;
+
+// Takes the block zeroed.
+Block zeroed(std::uint32_t capacity) {
+    Block block(capacity);
+    if (capacity != 0) std::memset(block.bytes(), 0, capacity);
+    return block;
+}
+
+// The whole record in a zeroed buffer of its size class; `size` is 0 when there is no record.
+Block readWhole(IDataStore* store, std::uint32_t offset, std::uint32_t& size) {
+    size = offset == IDataStore::BADOFF ? 0 : store->recordSize(offset);
+    Block block = zeroed(sizeClass(size));
+    if (size != 0) store->read(offset, block.bytes(), kWholeRecord);
+    return block;
+}
+
+}  // namespace
+
+std::uint8_t kindOf(IDataStore* store, std::uint32_t offset) {
+    std::uint8_t kind = 0;
+    store->read(offset, &kind, 1);
+    if (kind != 0) return kind;
+    if (offset == IDataStore::BADOFF) return kNoKind;
+    return store->recordSize(offset) >= formatOf(Kind::root).fixedSize ? kind : kNoKind;
+}
+
+Block::Block(std::uint32_t capacity)
+    : bytes_(capacity == 0 ? nullptr : static_cast<std::byte*>(PooledHeap::malloc(capacity))),
+      capacity_(capacity) {}
+
+Block::Block(Block&& other) noexcept
+    : bytes_(std::exchange(other.bytes_, nullptr)), capacity_(std::exchange(other.capacity_, 0)) {}
+
+Block& Block::operator=(Block&& other) noexcept {
+    std::swap(bytes_, other.bytes_);
+    std::swap(capacity_, other.capacity_);
+    return *this;
+}
+
+Block::~Block() {
+    if (capacity_ != 0) PooledHeap::free(bytes_, capacity_);
+}
+
+Snapshot::Snapshot(IDataStore* store, std::uint32_t offset) {
+    if (offset == IDataStore::BADOFF) return;
+    std::uint32_t size = 0;
+    if (const void* bytes = store->view(offset, size)) {
+        view_ = View(bytes, size);
+        return;
+    }
+    copy_ = readWhole(store, offset, size);
+    view_ = View(copy_.bytes(), size);
+}
+
+Base::Base(IDataStore* store) : store_(store), offset_(IDataStore::BADOFF) {}
+
+Base::Base(IDataStore* store, std::uint32_t offset)
+    : store_(store), offset_(offset), buffer_(readWhole(store, offset, size_)) {}
+
+Base::~Base() = default;
+
+void Base::allocate(std::uint32_t size) {
+    buffer_ = Block();
+    size_ = 0;
+    buffer_ = zeroed(sizeClass(size));
+    size_ = size;
+}
+
+void Base::grow(std::uint32_t delta) {
+    const std::uint32_t size = checkedSize(std::uint64_t{size_} + delta);
+    if (size > capacity()) {
+        Block larger = zeroed(sizeClass(size));
+        if (size_ != 0) std::memcpy(larger.bytes(), bytes(), size_);
+        buffer_ = std::move(larger);
+    }
+    size_ = size;
+}
+
+void Base::commit() {
+    if (size_ == 0) return;
+    if (offset_ == IDataStore::BADOFF)
+        offset_ = store_->append(bytes(), size_);
+    else
+        store_->write(offset_, bytes(), size_, true);
+}
+
+void Base::writeBookkeeping() {
+    if (size_ != 0) store_->write(offset_, bytes(), size_, false);
+}
+
+void Base::replaceSection(U32 sizeField, const void* data, std::uint64_t dataSize) {
+    const View old = view();
+    const Format* format = formatOf(old.kind());
+    if (!format || old.size() < format->fixedSize) return;
+
+    std::uint64_t size = format->fixedSize;
+    std::uint64_t oldEnd = format->fixedSize;
+    for (const SectionRow& row : format->sections) {
+        const Section kept = old.section(U32{row.sizePosition});
+        size += row.sizePosition == sizeField.position ? dataSize : kept.size;
+        oldEnd += kept.size;
+    }
+    const std::uint32_t surplus = old.size() - static_cast<std::uint32_t>(oldEnd);
+    const std::uint32_t newSize = checkedSize(size + surplus);
+
+    Block buffer(sizeClass(newSize));
+    std::byte* out = buffer.bytes();
+    const auto put = [&out](const void* from, std::uint64_t bytes) {
+        if (bytes != 0) std::memcpy(out, from, bytes);
+        out += bytes;
+    };
+    put(old.bytes(), format->fixedSize);
+    for (const SectionRow& row : format->sections) {
+        const Section kept = old.section(U32{row.sizePosition});
+        const bool isReplaced = row.sizePosition == sizeField.position;
+        const auto bytes = static_cast<std::uint32_t>(isReplaced ? dataSize : kept.size);
+        put(isReplaced ? data : kept.begin, bytes);
+        std::memcpy(buffer.bytes() + row.sizePosition, &bytes, sizeof bytes);
+    }
+    put(old.bytes() + oldEnd, surplus);
+    buffer_ = std::move(buffer);
+    size_ = newSize;
+}
+
+Entity::Entity(IDataStore* store, std::uint64_t size, Kind kind) : Base(store) {
+    allocate(checkedSize(size));
+    set(field::kind, static_cast<std::uint8_t>(kind));
+    set(field::parent, std::uint32_t{IDataStore::BADOFF});
+    set(field::locale, std::uint32_t{IDataStore::BADOFF});
+}
+
+void Entity::putName(U32 sizeField, std::u16string_view name) {
+    set(sizeField, static_cast<std::uint32_t>(storedSize(name)));
+    if (!name.empty()) std::memcpy(bytes() + view().sectionPosition(sizeField), name.data(), name.size() * 2);
+}
+
+Root::Root(IDataStore* store, std::u16string_view name)
+    : Entity(store, formatOf(Kind::root).fixedSize + storedSize(name), Kind::root) {
+    set(field::children, std::uint32_t{IDataStore::BADOFF});
+    putName(field::rootNameSize, name);
+    commit();
+}
+
+Container::Container(IDataStore* store, std::u16string_view name)
+    : Entity(store, formatOf(Kind::container).fixedSize + storedSize(name), Kind::container) {
+    set(field::children, std::uint32_t{IDataStore::BADOFF});
+    putName(field::containerNameSize, name);
+    commit();
+}
+
+void Container::setField(U32 sizeField, const void* data, std::uint64_t dataSize) {
+    replaceSection(sizeField, data, dataSize);
+    commit();
+}
+
+void Property::setField(U32 sizeField, const void* data, std::uint64_t dataSize) {
+    replaceSection(sizeField, data, dataSize);
+    commit();
+}
+
+Primitive::Primitive(IDataStore* store, std::uint32_t dataType, std::u16string_view name)
+    : Property(store, formatOf(Kind::primitive).fixedSize + storedSize(name), Kind::primitive) {
+    set(field::dataType, dataType);
+    putName(field::primitiveNameSize, name);
+    commit();
+}
+
+Table::Table(IDataStore* store, std::u16string_view name)
+    : Property(store, formatOf(Kind::table).fixedSize + storedSize(name), Kind::table) {
+    set(field::children, std::uint32_t{IDataStore::BADOFF});
+    set(field::defaults, std::uint32_t{IDataStore::BADOFF});
+    putName(field::tableNameSize, name);
+    commit();
+}
+
+Offsets::Offsets(IDataStore* store) : Base(store) {
+    allocate(formatOf(Kind::offsets).fixedSize);
+    set(field::kind, static_cast<std::uint8_t>(Kind::offsets));
+    commit();
+}
+
+void Offsets::setAt(std::uint32_t index, std::uint32_t value) {
+    const std::uint32_t present = count();
+    if (index >= present) grow(checkedSize((std::uint64_t{index} - present) * 4 + 4));
+    std::memcpy(bytes() + kOffsetsHeader + std::size_t{index} * 4, &value, sizeof value);
+    commit();
+}
+
+bool Offsets::removeValue(std::uint32_t value) {
+    const View list = view();
+    const std::uint32_t present = count();
+    std::uint32_t index = 0;
+    while (index < present && list.value(index) != value) ++index;
+    if (index == present) return false;
+    std::byte* slot = bytes() + kOffsetsHeader + std::size_t{index} * 4;
+    std::byte* end = bytes() + size_;
+    std::memmove(slot, slot + 4, static_cast<std::size_t>(end - slot) - 4);
+    std::memset(end - 4, 0, 4);
+    size_ -= 4;
+    commit();
+    return true;
+}
+
+void Offsets::append(const std::uint32_t* values, std::size_t count) {
+    if (count == 0) return;
+    const std::uint32_t end = kOffsetsHeader + this->count() * 4;
+    const std::uint32_t size = checkedSize(std::uint64_t{end} + std::uint64_t{count} * 4);
+    if (size > size_) grow(size - size_);
+    std::memcpy(bytes() + end, values, count * 4);
+    commit();
+}
+
+Locale::Locale(IDataStore* store) : Base(store) {
+    allocate(formatOf(Kind::locale).fixedSize);
+    set(field::kind, static_cast<std::uint8_t>(Kind::locale));
+    commit();
+}
+
+void Locale::setPayload(const void* payload, std::uint64_t payloadSize) {
+    const std::uint32_t header = formatOf(Kind::locale).fixedSize;
+    const std::uint32_t size = checkedSize(header + payloadSize);
+    if (size_ == 0) return;
+    allocate(size);
+    set(field::kind, static_cast<std::uint8_t>(Kind::locale));
+    set(field::payloadSize, static_cast<std::uint32_t>(payloadSize));
+    if (payloadSize != 0) std::memcpy(bytes() + header, payload, payloadSize);
+    commit();
+}
+
+void storeBytes(IDataStore* store, std::uint32_t offset, std::uint64_t position, const void* bytes,
+                std::uint32_t size, bool flag) {
+    const std::uint32_t recordSize = offset == IDataStore::BADOFF ? 0 : store->recordSize(offset);
+    if (position + size > recordSize || size == 0) return;
+    if (store->patch(offset, static_cast<std::uint32_t>(position), bytes, size, flag)) return;
+    Base record(store, offset);
+    if (position + size > record.size()) return;
+    std::memcpy(record.bytes() + position, bytes, size);
+    if (flag)
+        record.commit();
+    else
+        record.writeBookkeeping();
+}
+
+}  // namespace norvane::platform::data::Record

@@ -1,0 +1,76 @@
+// The one checked way to look at the bytes of a record.
+#pragma once
+
+#include <bit>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <string>
+#include <string_view>
+
+#include "records/Fields.h"
+
+namespace norvane::platform::data::Record {
+
+static_assert(std::endian::native == std::endian::little,
+              "records are little-endian and are copied as they stand");
+
+// Bytes of a record that a section really has: its size field clamped to the record.
+struct Section {
+    const std::byte* begin = nullptr;
+    std::uint32_t size = 0;
+};
+
+// Looks at a record without owning it. A record may be damaged, shorter than its fixed part, or another kind
+// than expected: a field that is not there reads as 0, a section is cut at the record's end, and a text ends
+// at its first NUL or at its section's end. So no field of a record can lead outside of it.
+class View {
+  public:
+    View() = default;
+    View(const void* bytes, std::uint32_t size) : bytes_(static_cast<const std::byte*>(bytes)), size_(size) {}
+
+    const std::byte* bytes() const { return bytes_; }
+    std::uint32_t size() const { return size_; }
+
+    template <class T>
+    T load(Field<T> field) const {
+        return loadAt<T>(field.position);
+    }
+
+    template <class T>
+    T loadAt(std::uint64_t position) const {
+        T value = 0;
+        if (position + sizeof(T) <= size_) std::memcpy(&value, bytes_ + position, sizeof(T));
+        return value;
+    }
+
+    std::uint8_t kind() const { return size_ == 0 ? kNoKind : load(field::kind); }
+
+    // True when the record is of that kind and has all of its fixed part; only then is it worth opening.
+    bool isWhole(Kind kind) const;
+
+    // The section whose size stands in `sizeField`; empty if the format of the record's kind has none such.
+    Section section(U32 sizeField) const;
+    // Where that section begins, by the size fields alone; may lie past the record's end in a damaged one.
+    std::uint64_t sectionPosition(U32 sizeField) const;
+
+    std::u16string text(U32 sizeField) const { return textOf(section(sizeField)); }
+    // The name of an entity; empty for every other record.
+    std::u16string name() const;
+    // Equal to `name() == other`, without making a string.
+    bool hasName(std::u16string_view other) const;
+
+    static std::u16string textOf(Section section);
+
+    // A record of offsets: how many whole values it holds, and value `index`, which must be below that count.
+    std::uint32_t valueCount() const { return size_ < kOffsetsHeader ? 0 : (size_ - kOffsetsHeader) / 4; }
+    std::uint32_t value(std::uint32_t index) const {
+        return loadAt<std::uint32_t>(kOffsetsHeader + std::uint64_t{4} * index);
+    }
+
+  private:
+    const std::byte* bytes_ = nullptr;
+    std::uint32_t size_ = 0;
+};
+
+}  // namespace norvane::platform::data::Record

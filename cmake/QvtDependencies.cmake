@@ -11,7 +11,7 @@ find_path(QVT_XXHASH_INCLUDE xxhash.h REQUIRED)
 # Hash maps and hash functions that leave no symbol behind.
 add_library(qvt_hashing INTERFACE)
 target_include_directories(qvt_hashing SYSTEM INTERFACE ${QVT_SPARSEHASH_INCLUDE} ${QVT_XXHASH_INCLUDE})
-target_compile_definitions(qvt_hashing INTERFACE XXH_INLINE_ALL)
+target_compile_definitions(qvt_hashing INTERFACE XXH_INLINE_ALL=)
 
 if(QVT_TESTS)
     find_package(GTest REQUIRED)

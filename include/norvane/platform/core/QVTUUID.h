@@ -1,0 +1,19 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+
+namespace norvane::platform::core {
+
+/// A universally unique identifier. Default-constructed it is the nil one, all of whose bytes are 0.
+class QVTUUID {
+  public:
+    QVTUUID() = default;
+
+    const std::array<std::uint8_t, 16>& bytes() const { return bytes_; }
+
+  private:
+    std::array<std::uint8_t, 16> bytes_{};
+};
+
+}  // namespace norvane::platform::core

@@ -1,0 +1,24 @@
+#pragma once
+
+#include "norvane/platform/core/Export.h"
+
+namespace norvane::platform::core::xml {
+
+/// Receives a document from XMLParser, piece by piece. All text is UTF-8 and belongs to the parser for the
+/// length of the call. What a callback throws ends the parse and comes out of `XMLParser::parseDocument`.
+/// Slots keep this order, new ones go last.
+class QVT_CORE_API XMLCallback {
+  public:
+    virtual ~XMLCallback() noexcept(false) {}
+
+    /// `attributes` is name, value, name, value and so on, ending in a null name.
+    virtual void startElement(const char* name, const char* const* attributes) = 0;
+    virtual void endElement(const char* name) = 0;
+    /// The text between the marks of a comment.
+    virtual void comment(const char* text) = 0;
+    virtual void processingInstruction(const char* target, const char* data) = 0;
+    /// `length` bytes of text without a NUL. One run of text may come in several calls.
+    virtual void characterData(const char* text, int length) = 0;
+};
+
+}  // namespace norvane::platform::core::xml

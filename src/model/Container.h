@@ -13,8 +13,6 @@ class Container final : public Metadata::Set {
     // Appends a new container record, which nothing lists yet. The record keeps the low byte of `kind`.
     Container(IDataStore* store, std::uint32_t kind, std::u16string_view name);
 
-    bool isRemovable() override;
-    void erase() override;
     std::uint32_t clone(IDataStore* target) override;
 
     // 0 node, 1 group, 2 link.

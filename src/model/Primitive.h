@@ -42,6 +42,7 @@ class Primitive final : public Metadata::Item {
     // False, with nothing stored, unless the type is struct and the name is a text.
     bool setStructType(const tWChar* name);
     // A text makes the value external; null makes it empty. Either way the value that was there is gone.
+    // False only for a text that does not fit a record.
     bool setUri(const tWChar* uri);
     void setUnits(std::uint32_t unitId);
     std::uint32_t units() const;

@@ -23,6 +23,11 @@ class Set : public Item {
   public:
     ~Set() override;
 
+    // No other object is open on this record, and none at all on anything below.
+    bool isRemovable() override;
+    // Localised strings and children go, and the record no longer leads to them.
+    void erase() override;
+
     // A direct child's offset, or BADOFF. The name is matched whole: a "." in it means nothing.
     std::uint32_t find(std::u16string_view name);
     // The offset at the end of a dotted path, or BADOFF; see `resolvePath` for paths that run into a
@@ -59,8 +64,6 @@ class Set : public Item {
     // Takes over the children of the record; an object opened as a handle indexes them.
     void bindChildren(const Record::View& record) { childrenRecord_ = record.load(Record::field::children); }
     void indexChildren(Opening opening);
-    bool areChildrenRemovable();
-    void forgetChildren();
 
   private:
     void loadChildren();
@@ -82,8 +85,6 @@ class Root final : public Set {
     // Appends a new root record.
     Root(IDataStore* store, std::u16string_view name);
 
-    bool isRemovable() override;
-    void erase() override;
     // Copies nothing; BADOFF.
     std::uint32_t clone(IDataStore* target) override;
 };

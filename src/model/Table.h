@@ -26,7 +26,7 @@ class Table final : public Metadata::Set {
     // Appends a new table record, which nothing lists yet.
     Table(IDataStore* store, std::u16string_view name);
 
-    bool isRemovable() override;
+    // The directory of defaults goes too.
     void erase() override;
     std::uint32_t clone(IDataStore* target) override;
 

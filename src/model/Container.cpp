@@ -1,0 +1,40 @@
+#include "model/Container.h"
+
+#include "model/Subtree.h"
+
+namespace norvane::platform::data::Structural {
+
+namespace field = Record::field;
+
+Container::Container(IDataStore* store, std::uint32_t offset, Metadata::Opening opening) {
+    {
+        const Record::Snapshot record(store, offset);
+        if (!bind(store, offset, Record::Kind::container, *record)) return;
+        bindChildren(*record);
+        kind_ = record->load(field::containerKind);
+        classText_ = record->text(field::classTextSize);
+        linkTarget_ = record->text(field::linkTargetSize);
+    }
+    if (opening == Metadata::Opening::handle) raiseOpenCount();
+    indexChildren(opening);
+}
+
+Container::Container(IDataStore* store, std::uint32_t kind, std::u16string_view name) : kind_(kind) {
+    const std::uint32_t offset = Record::Container(store, name).offset();
+    bindNew(store, offset, name);
+    Record::storeField(store, offset, field::containerKind, static_cast<std::uint8_t>(kind));
+    raiseOpenCount();
+}
+
+std::uint32_t Container::clone(IDataStore* target) {
+    return Metadata::cloneSubtree(store(), offset(), target);
+}
+
+void Container::setLinkTarget(const tWChar* path) {
+    Record::Container record(store(), offset());
+    if (isInert()) return;
+    record.setField(field::linkTargetSize, path, path ? Record::storedSize(path) : 0);
+    linkTarget_ = Record::textOf(path);
+}
+
+}  // namespace norvane::platform::data::Structural

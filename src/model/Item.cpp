@@ -1,0 +1,247 @@
+#include "model/Item.h"
+
+#include <algorithm>
+#include <exception>
+#include <limits>
+
+#include "model/ParentWalk.h"
+#include "norvane/platform/core/memory/PooledHeap.h"
+
+namespace norvane::platform::data::Metadata {
+
+namespace field = Record::field;
+
+Item::Item() noexcept
+    : offset_(IDataStore::BADOFF),
+      parent_(IDataStore::BADOFF),
+      localeRecord_(IDataStore::BADOFF),
+      exceptionsAtBirth_(std::uncaught_exceptions()) {}
+
+Item::~Item() noexcept(false) {
+    std::exception_ptr failure;
+    const auto attempt = [&failure](auto&& step) {
+        try {
+            step();
+        } catch (...) {
+            if (!failure) failure = std::current_exception();
+        }
+    };
+    // The strings are stored even when the count could not be lowered: nothing else holds them.
+    attempt([this] { lowerOpenCount(); });
+    attempt([this] { storeLocalised(); });
+    dropEntries();
+    if (failure && std::uncaught_exceptions() <= exceptionsAtBirth_) std::rethrow_exception(failure);
+}
+
+void* Item::operator new(std::size_t size) { return core::memory::PooledHeap::malloc(size); }
+
+void Item::operator delete(void* object, std::size_t size) { core::memory::PooledHeap::free(object, size); }
+
+bool Item::bind(IDataStore* store, std::uint32_t offset, Record::Kind kind, const Record::View& record) {
+    store_ = store;
+    offset_ = offset;
+    if (!record.isWhole(kind)) return false;
+    inert_ = false;
+    if (kind != Record::Kind::root) parent_ = record.load(field::parent);
+    localeRecord_ = record.load(field::locale);
+    name_ = record.name();
+    return true;
+}
+
+void Item::bindNew(IDataStore* store, std::uint32_t offset, std::u16string_view name) {
+    store_ = store;
+    offset_ = offset;
+    inert_ = false;
+    name_ = name;
+}
+
+void Item::raiseOpenCount() {
+    const std::uint32_t count = Record::Snapshot(store_, offset_)->load(field::openCount);
+    Record::storeField(store_, offset_, field::openCount, count + 1, false);
+    counted_ = true;
+}
+
+void Item::lowerOpenCount() {
+    if (!counted_ || abandoned_) return;
+    const std::uint32_t count = Record::Snapshot(store_, offset_)->load(field::openCount);
+    Record::storeField(store_, offset_, field::openCount, count - 1, false);
+}
+
+std::uint32_t Item::openCount() const {
+    const std::uint32_t count = Record::Snapshot(store_, offset_)->load(field::openCount);
+    return counted_ ? count : count + 1;
+}
+
+std::u16string Item::path() const {
+    std::vector<std::u16string> names;
+    ParentWalk walk(store_, Record::Snapshot(store_, offset_)->load(field::parent));
+    while (!inert_ && walk.isAtChildKind()) {
+        names.push_back(walk.record()->name());
+        walk.upTo(walk.parent());
+    }
+    std::u16string path;
+    std::for_each(names.rbegin(), names.rend(), [&path](const auto& name) { path += name + u"."; });
+    return path + name_;
+}
+
+std::uint8_t Item::flags() const {
+    return inert_ ? std::uint8_t{0} : Record::Snapshot(store_, offset_)->load(field::flags);
+}
+
+void Item::setFlags(std::uint8_t bits) {
+    const auto flags = static_cast<std::uint8_t>(this->flags() | bits);
+    if (!inert_) Record::storeField(store_, offset_, field::flags, flags);
+}
+
+void Item::clearFlags(std::uint8_t bits) {
+    const auto flags = static_cast<std::uint8_t>(this->flags() & ~bits);
+    if (!inert_) Record::storeField(store_, offset_, field::flags, flags);
+}
+
+void Item::touch() {
+    if (inert_) return;
+    ParentWalk walk(store_, offset_);
+    for (bool isStart = true; walk.isAtEntity(); isStart = false) {
+        const std::uint8_t flags = walk.record()->load(field::flags);
+        const std::uint32_t parent = walk.parent();
+        if (parent == IDataStore::BADOFF) return;
+        const bool isInherited = (flags & Record::kInherited) != 0;
+        if (!isInherited && !isStart) return;
+        if (isInherited)
+            Record::storeField(store_, walk.offset(), field::flags,
+                               static_cast<std::uint8_t>(flags & ~Record::kInherited));
+        walk.upTo(parent);
+    }
+}
+
+// Whether the item has a record of localised strings, with its entries loaded if none are in memory. No
+// entries is the sign of not loaded, so what was taken out in memory down to the last one comes back here.
+bool Item::loadIfStored() {
+    if (localeRecord_ == IDataStore::BADOFF) return false;
+    if (entries_.empty()) loadLocalised();
+    return true;
+}
+
+LocalisedEntry* Item::entryOf(std::u16string_view locale) const {
+    LocalisedEntry* const* found = localeIndex_.find(locale);
+    return found ? *found : nullptr;
+}
+
+void Item::addEntry(std::u16string_view locale, std::u16string_view text) {
+    entries_.reserve(entries_.size() + 1);
+    auto entry = std::make_unique<LocalisedEntry>(LocalisedEntry{
+        std::u16string(locale), std::u16string(text), static_cast<std::uint32_t>(entries_.size())});
+    localeIndex_.insert(entry->locale, entry.get());
+    entries_.push_back(entry.release());
+}
+
+void Item::removeEntry(LocalisedEntry* entry) {
+    localeIndex_.erase(entry->locale);
+    entries_.erase(std::find(entries_.begin(), entries_.end(), entry));
+    delete entry;
+}
+
+void Item::dropEntries() {
+    localeIndex_.clear();
+    for (LocalisedEntry* entry : entries_) delete entry;
+    entries_.clear();
+}
+
+std::uint64_t Item::setLocalised(const tWChar* text, const tWChar* locale) {
+    loadIfStored();
+    const std::u16string_view wanted = Record::textOf(locale);
+    LocalisedEntry* entry = entryOf(wanted);
+    if (!entry && !text) return std::numeric_limits<std::uint64_t>::max();
+    const std::uint64_t index = entry ? entry->index : entries_.size();
+    if (!entry)
+        addEntry(wanted, text);
+    else if (text)
+        entry->text = text;
+    else
+        removeEntry(entry);
+    dirty_ = true;
+    return index;
+}
+
+std::int32_t Item::localisedIndex(std::u16string_view locale) {
+    const LocalisedEntry* entry = loadIfStored() ? entryOf(locale) : nullptr;
+    return entry ? static_cast<std::int32_t>(entry->index) : -1;
+}
+
+std::uint32_t Item::localisedCount() {
+    return loadIfStored() ? static_cast<std::uint32_t>(entries_.size()) : 0;
+}
+
+std::u16string Item::localeAt(std::uint32_t index) {
+    return loadIfStored() && index < entries_.size() ? entries_[index]->locale : std::u16string();
+}
+
+std::u16string Item::textAt(std::uint32_t index) {
+    return loadIfStored() && index < entries_.size() ? entries_[index]->text : std::u16string();
+}
+
+std::u16string Item::localised(std::u16string_view locale) {
+    const LocalisedEntry* entry = loadIfStored() ? entryOf(locale) : nullptr;
+    return entry ? entry->text : std::u16string();
+}
+
+void Item::loadLocalised() {
+    const Record::Snapshot record(store_, localeRecord_);
+    if (!record->isWhole(Record::Kind::locale)) return;
+    const Record::Section payload = record->section(field::payloadSize);
+    std::u16string units(payload.size / 2, u'\0');
+    if (!units.empty()) std::memcpy(units.data(), payload.begin, units.size() * 2);
+    std::u16string_view left(units);
+    // A locale without a text behind it is dropped, and so is what no NUL ends.
+    while (true) {
+        const std::size_t localeEnd = left.find(u'\0');
+        if (localeEnd == left.npos) return;
+        const std::size_t textEnd = left.find(u'\0', localeEnd + 1);
+        if (textEnd == left.npos) return;
+        addEntry(left.substr(0, localeEnd), left.substr(localeEnd + 1, textEnd - localeEnd - 1));
+        left.remove_prefix(textEnd + 1);
+    }
+}
+
+std::uint32_t Item::cloneLocale(IDataStore* target) const {
+    const Record::Base record(store_, localeRecord_);
+    if (!record.view().isWhole(Record::Kind::locale)) return IDataStore::BADOFF;
+    return target->append(record.view().bytes(), record.size());
+}
+
+void Item::eraseLocale() {
+    if (localeRecord_ == IDataStore::BADOFF) return;
+    store_->remove(localeRecord_);
+    dropEntries();
+    localeRecord_ = IDataStore::BADOFF;
+}
+
+// Where the strings go: another object on the entity may have made the record since this one was opened.
+std::uint32_t Item::storedLocaleRecord() const {
+    const auto isLocale = [this](std::uint32_t offset) {
+        return Record::Snapshot(store_, offset)->isWhole(Record::Kind::locale);
+    };
+    if (isLocale(localeRecord_)) return localeRecord_;
+    const std::uint32_t stored = Record::Snapshot(store_, offset_)->load(field::locale);
+    return isLocale(stored) ? stored : std::uint32_t{IDataStore::BADOFF};
+}
+
+void Item::storeLocalised() {
+    if (!dirty_ || entries_.empty() || inert_ || abandoned_) return;
+    if (!Record::isEntity(Record::Snapshot(store_, offset_)->kind())) return;
+    std::u16string payload;
+    for (const LocalisedEntry* entry : entries_) {
+        payload.append(entry->locale).push_back(u'\0');
+        payload.append(entry->text).push_back(u'\0');
+    }
+    const std::uint32_t stored = storedLocaleRecord();
+    if (stored != IDataStore::BADOFF) {
+        Record::Locale(store_, stored).setPayload(payload.data(), std::uint64_t{payload.size()} * 2);
+        return;
+    }
+    Record::Locale record(store_);
+    record.setPayload(payload.data(), std::uint64_t{payload.size()} * 2);
+    Record::storeField(store_, offset_, field::locale, record.offset());
+}
+
+}  // namespace norvane::platform::data::Metadata

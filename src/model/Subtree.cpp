@@ -1,0 +1,316 @@
+#include "model/Subtree.h"
+
+#include <cstring>
+#include <deque>
+#include <optional>
+#include <string>
+#include <unordered_set>
+#include <utility>
+#include <vector>
+
+#include "model/ChildOrder.h"
+#include "model/Open.h"
+
+namespace norvane::platform::data::Metadata {
+
+namespace field = Record::field;
+
+namespace {
+
+constexpr std::uint8_t kPrimitive = static_cast<std::uint8_t>(Record::Kind::primitive);
+constexpr std::uint8_t kTable = static_cast<std::uint8_t>(Record::Kind::table);
+
+// A primitive, table or container with all of its fixed part: what a walk acts on.
+bool isWalked(const Record::View& record) {
+    const std::uint8_t kind = record.kind();
+    return Record::isChildKind(kind) && record.isWhole(static_cast<Record::Kind>(kind));
+}
+
+// The offsets from the top of a walk down to where it stands.
+class Way {
+  public:
+    bool enter(std::uint32_t offset) { return offsets_.insert(offset).second; }
+    void leave(std::uint32_t offset) { offsets_.erase(offset); }
+
+  private:
+    std::unordered_set<std::uint32_t> offsets_;
+};
+
+// Where a walk stands among the children of one entity.
+struct Level {
+    std::uint32_t offset;
+    std::vector<std::uint32_t> children;
+    std::size_t next = 0;
+
+    bool isDone() const { return next == children.size(); }
+    std::uint32_t takeNext() { return children[next++]; }
+};
+
+std::vector<std::uint32_t> childrenOf(IDataStore* store, const Record::View& entity) {
+    if (entity.kind() == kPrimitive) return {};
+    return listedChildren(store, entity.load(field::children));
+}
+
+// An object opened to ask would count itself in. A primitive may then be open exactly once, so a count that
+// wrapped refuses; a set may be open at most once.
+bool isClosed(const Record::View& entity) {
+    const std::uint32_t counted = entity.load(field::openCount) + 1;
+    return entity.kind() == kPrimitive ? counted == 1 : counted <= 1;
+}
+
+}  // namespace
+
+bool isSubtreeClosed(IDataStore* store, std::uint32_t offset) {
+    Way way;
+    std::vector<Level> levels;
+    const auto enter = [&](std::uint32_t child) {
+        const Record::Snapshot entity(store, child);
+        if (!isWalked(*entity) || !way.enter(child)) return true;
+        if (!isClosed(*entity)) return false;
+        levels.push_back({child, childrenOf(store, *entity)});
+        return true;
+    };
+    if (!enter(offset)) return false;
+    while (!levels.empty()) {
+        if (levels.back().isDone()) {
+            way.leave(levels.back().offset);
+            levels.pop_back();
+        } else if (!enter(levels.back().takeNext())) {
+            return false;
+        }
+    }
+    return true;
+}
+
+namespace {
+
+// The children that can be deleted, in the order in which that is done.
+std::vector<std::uint32_t> childrenToErase(IDataStore* store, std::uint32_t listOffset) {
+    std::vector<std::uint32_t> offsets;
+    std::vector<std::u16string> names;
+    for (std::uint32_t child : listedChildren(store, listOffset)) {
+        const Record::Snapshot entity(store, child);
+        if (!Record::isChildKind(entity->kind())) continue;
+        offsets.push_back(child);
+        names.push_back(entity->name());
+    }
+    const std::vector<std::u16string_view> views(names.begin(), names.end());
+    std::vector<std::uint32_t> ordered;
+    ordered.reserve(offsets.size());
+    for (std::uint32_t index : deletionOrder(views)) ordered.push_back(offsets[index]);
+    return ordered;
+}
+
+// One entity whose satellites are being removed; `list` and `defaults` follow its children.
+struct ErasedLevel {
+    Level at;
+    std::uint32_t list;
+    std::uint32_t defaults;
+};
+
+class Eraser {
+  public:
+    explicit Eraser(IDataStore* store) : store_(store) {}
+
+    void eraseBelow(std::uint32_t offset) {
+        enter(offset);
+        run();
+    }
+
+    void eraseList(std::uint32_t listOffset) {
+        if (!Record::Snapshot(store_, listOffset)->isWhole(Record::Kind::offsets)) return;
+        levels_.push_back(
+            {{IDataStore::BADOFF, childrenToErase(store_, listOffset)}, listOffset, IDataStore::BADOFF});
+        run();
+    }
+
+  private:
+    void removeIf(std::uint32_t offset, Record::Kind kind) {
+        if (offset != IDataStore::BADOFF && Record::Snapshot(store_, offset)->isWhole(kind))
+            store_->remove(offset);
+    }
+
+    // False for what is no entity, and for one that the walk stands in already.
+    bool enter(std::uint32_t offset) {
+        std::uint32_t locale;
+        ErasedLevel level{{offset, {}}, IDataStore::BADOFF, IDataStore::BADOFF};
+        {
+            const Record::Snapshot entity(store_, offset);
+            if (!isWalked(*entity) || !way_.enter(offset)) return false;
+            locale = entity->load(field::locale);
+            if (entity->kind() != kPrimitive) level.list = entity->load(field::children);
+            if (entity->kind() == kTable) level.defaults = entity->load(field::defaults);
+        }
+        removeIf(locale, Record::Kind::locale);
+        level.at.children = childrenToErase(store_, level.list);
+        levels_.push_back(std::move(level));
+        return true;
+    }
+
+    void leave() {
+        const ErasedLevel& level = levels_.back();
+        removeIf(level.list, Record::Kind::offsets);
+        removeIf(level.defaults, Record::Kind::offsets);
+        const std::uint32_t offset = level.at.offset;
+        levels_.pop_back();
+        way_.leave(offset);
+        if (!levels_.empty()) store_->remove(offset);
+    }
+
+    void run() {
+        while (!levels_.empty()) {
+            Level& at = levels_.back().at;
+            if (at.isDone()) {
+                leave();
+                continue;
+            }
+            const std::uint32_t child = at.takeNext();
+            if (!enter(child) && !isOnTheWay(child)) store_->remove(child);
+        }
+    }
+
+    // Entering fails for two reasons; only a record that is not being walked may go.
+    bool isOnTheWay(std::uint32_t offset) {
+        if (!way_.enter(offset)) return true;
+        way_.leave(offset);
+        return false;
+    }
+
+    IDataStore* store_;
+    Way way_;
+    std::vector<ErasedLevel> levels_;
+};
+
+}  // namespace
+
+void eraseSubtree(IDataStore* store, std::uint32_t offset) { Eraser(store).eraseBelow(offset); }
+
+void eraseListedChildren(IDataStore* store, std::uint32_t listOffset) { Eraser(store).eraseList(listOffset); }
+
+namespace {
+
+// One entity being copied: its bytes with all that is known of the copy so far. What the source refers to is
+// BADOFF in it until that is copied too, so that a copy left unfinished leads nowhere.
+struct CopiedLevel {
+    explicit CopiedLevel(IDataStore* target) : copy(target) {}
+
+    Level at{IDataStore::BADOFF, {}};
+    Record::Base copy;
+    std::optional<Record::Offsets> list;
+    std::vector<std::uint32_t> copies;
+    std::uint32_t defaults = IDataStore::BADOFF;
+    bool isChanged = false;
+};
+
+class Cloner {
+  public:
+    Cloner(IDataStore* source, IDataStore* target, const CloneChanges& changes)
+        : source_(source), target_(target), changes_(changes) {}
+
+    std::uint32_t clone(std::uint32_t offset) {
+        if (!enter(offset, changes_.setsParent ? &changes_.parent : nullptr)) return IDataStore::BADOFF;
+        const std::uint32_t copy = levels_.back().copy.offset();
+        while (!levels_.empty()) {
+            if (levels_.back().at.isDone())
+                leave();
+            else
+                step(levels_.back());
+        }
+        return copy;
+    }
+
+  private:
+    // A value that leads to no child is kept as it is; one that leads back to where the walk stands is left
+    // out.
+    void step(CopiedLevel& level) {
+        const std::uint32_t child = level.at.takeNext();
+        const std::uint32_t parent = level.copy.offset();
+        if (!Record::isChildKind(Record::kindOf(source_, child)))
+            level.copies.push_back(child);
+        else if (enter(child, &parent))
+            level.copies.push_back(levels_.back().copy.offset());
+    }
+
+    bool enter(std::uint32_t offset, const std::uint32_t* parent) {
+        CopiedLevel& level = levels_.emplace_back(target_);
+        level.at.offset = offset;
+        std::uint32_t locale = IDataStore::BADOFF;
+        std::uint32_t list = IDataStore::BADOFF;
+        {
+            const Record::Snapshot entity(source_, offset);
+            if (!isWalked(*entity) || !way_.enter(offset)) {
+                levels_.pop_back();
+                return false;
+            }
+            locale = entity->load(field::locale);
+            if (entity->kind() != kPrimitive) list = entity->load(field::children);
+            if (entity->kind() == kTable) level.defaults = entity->load(field::defaults);
+            level.copy.allocate(entity->size());
+            std::memcpy(level.copy.bytes(), entity->bytes(), entity->size());
+        }
+        appendCopy(level.copy, parent);
+        cloneLocale(level, locale);
+        startList(level, list);
+        return true;
+    }
+
+    void appendCopy(Record::Base& copy, const std::uint32_t* parent) {
+        const std::uint8_t kind = copy.view().kind();
+        const auto flags = static_cast<std::uint8_t>(copy.view().load(field::flags) | changes_.addedFlags);
+        copy.set(field::openCount, std::uint32_t{0});
+        copy.set(field::flags, flags);
+        copy.set(field::locale, std::uint32_t{IDataStore::BADOFF});
+        if (parent) copy.set(field::parent, *parent);
+        if (kind != kPrimitive) copy.set(field::children, std::uint32_t{IDataStore::BADOFF});
+        if (kind == kTable) copy.set(field::defaults, std::uint32_t{IDataStore::BADOFF});
+        copy.commit();
+    }
+
+    // The record's bytes, if it is of that kind, as a new record of the target; BADOFF if not.
+    std::uint32_t cloneSatellite(std::uint32_t offset, Record::Kind kind) {
+        const Record::Base record(source_, offset);
+        if (!record.view().isWhole(kind)) return IDataStore::BADOFF;
+        return target_->append(record.view().bytes(), record.size());
+    }
+
+    void cloneLocale(CopiedLevel& level, std::uint32_t locale) {
+        refer(level, field::locale, cloneSatellite(locale, Record::Kind::locale));
+    }
+
+    void startList(CopiedLevel& level, std::uint32_t list) {
+        if (!Record::Snapshot(source_, list)->isWhole(Record::Kind::offsets)) return;
+        level.at.children = listedChildren(source_, list);
+        level.list.emplace(target_);
+        refer(level, field::children, level.list->offset());
+    }
+
+    static void refer(CopiedLevel& level, Record::U32 field, std::uint32_t offset) {
+        if (offset == IDataStore::BADOFF) return;
+        level.copy.set(field, offset);
+        level.isChanged = true;
+    }
+
+    void leave() {
+        CopiedLevel& level = levels_.back();
+        if (level.list) level.list->append(level.copies.data(), level.copies.size());
+        refer(level, field::defaults, cloneSatellite(level.defaults, Record::Kind::offsets));
+        if (level.isChanged) level.copy.commit();
+        way_.leave(level.at.offset);
+        levels_.pop_back();
+    }
+
+    IDataStore* source_;
+    IDataStore* target_;
+    const CloneChanges& changes_;
+    Way way_;
+    std::deque<CopiedLevel> levels_;  // a level stays where it is while deeper ones come
+};
+
+}  // namespace
+
+std::uint32_t cloneSubtree(IDataStore* source, std::uint32_t offset, IDataStore* target,
+                           const CloneChanges& changes) {
+    return Cloner(source, target, changes).clone(offset);
+}
+
+}  // namespace norvane::platform::data::Metadata

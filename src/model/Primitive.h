@@ -69,11 +69,10 @@ class Primitive final : public Metadata::Item {
     void resizeOrThrow(std::uint32_t count);
 
   private:
-    // The value as it stands, for a rewrite: empty when the handle's size says that no whole element is
-    // there.
-    void storeValue(std::uint64_t newSize, std::uint64_t keptSize, std::uint64_t position, const void* source,
-                    std::uint64_t size);
     bool fits(std::uint64_t valueSize) const;
+    void storeValue(const void* value, std::uint64_t size);
+    bool storeInPlace(const void* source, std::uint64_t position, std::uint64_t size);
+    std::vector<std::byte> valueBytes(std::uint64_t size, std::uint64_t kept) const;
 
     bool hasUri_ = false;
     std::u16string structTypeName_;

@@ -71,6 +71,12 @@ std::uint32_t Set::childCount() {
 
 std::vector<std::uint32_t> Set::children() { return listedChildren(store(), childrenRecord_); }
 
+std::vector<std::uint32_t> Set::countedChildren() {
+    std::vector<std::uint32_t> counted = children();
+    counted.resize(childCount(), IDataStore::BADOFF);
+    return counted;
+}
+
 bool Set::addChild(std::uint32_t offset) {
     if (isInert()) return false;
     std::u16string name;

@@ -39,6 +39,9 @@ class Set : public Item {
     std::uint32_t childCount();
     // The stored list, read once.
     std::vector<std::uint32_t> children();
+    // What a walk from 0 to `childCount` by `childAt` meets, with the list read once: where siblings share a
+    // name, that is less than the list.
+    std::vector<std::uint32_t> countedChildren();
 
     // Lists an entity that exists as the last child and sets its parent. False, with nothing changed, when it
     // is no entity that can be a child or its name is taken.

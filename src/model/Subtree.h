@@ -8,13 +8,15 @@
 
 namespace norvane::platform::data::Metadata {
 
-// Whether no object is open on the entity or on anything below it, besides the `openHere` that the caller
-// knows of on the entity itself.
-bool isSubtreeClosed(IDataStore* store, std::uint32_t offset, std::uint32_t openHere);
+// Whether no object is open on the entity or on anything below it.
+bool isSubtreeClosed(IDataStore* store, std::uint32_t offset);
 
 // Removes all that the entity refers to: localised strings, children, defaults. The record itself stays as it
 // is, and is the caller's to change or remove.
 void eraseSubtree(IDataStore* store, std::uint32_t offset);
+
+// Removes the children that a list record names, with all below them, and then the list itself.
+void eraseListedChildren(IDataStore* store, std::uint32_t listOffset);
 
 // What a copy gets that the source does not have.
 struct CloneChanges {

@@ -19,7 +19,7 @@ class QVT_CORE_API IXMLParseListener {
     /// of the callback or the reader, whose words `text` is. Called once at most, and not when the document
     /// is sound.
     virtual void stopped(const tPlace& place, const char* text) = 0;
-    /// The parse is over, in whatever way. Always the last call.
+    /// The parse is over, in whatever way. Always the last call; it must not throw.
     virtual void finished() = 0;
 };
 

@@ -1,0 +1,83 @@
+#include "stores/memory/RecordPool.h"
+
+#include <algorithm>
+#include <new>
+
+#include "stores/memory/Fence.h"
+
+namespace norvane::platform::core::storage::datastore {
+namespace {
+
+constexpr std::size_t kFirstChunk = std::size_t{4} << 10;
+constexpr std::size_t kLargestChunk = std::size_t{256} << 10;
+
+}  // namespace
+
+RecordPool::~RecordPool() {
+    // The allocator gets its memory back as it gave it out.
+    for (const Chunk& chunk : chunks_) openMemory(chunk.bytes.get(), chunk.size);
+}
+
+Block RecordPool::take(std::uint32_t size, std::uint32_t capacity) {
+    const std::uint64_t wanted = std::max({size, capacity, std::uint32_t{1}});
+    const std::uint64_t rounded = (wanted + kUnit - 1) / kUnit * kUnit;
+    const auto given = static_cast<std::uint32_t>(std::min<std::uint64_t>(rounded, 0xFFFFFFFFu));
+    auto* bytes = given <= kLargestSmall ? takeSmall(given) : static_cast<std::byte*>(::operator new(given));
+    Block block{bytes, given, given};
+    resize(block, size);
+    return block;
+}
+
+void RecordPool::release(Block& block) {
+    if (block.capacity <= kLargestSmall) {
+        keep(block.bytes, block.capacity);
+    } else {
+        openMemory(block.bytes, block.capacity);
+        ::operator delete(block.bytes, block.capacity);
+    }
+    block = {};
+}
+
+void RecordPool::resize(Block& block, std::uint32_t size) {
+    openMemory(block.bytes, size);
+    closeMemory(block.bytes + size, block.capacity - size);
+    block.size = size;
+}
+
+std::byte* RecordPool::takeSmall(std::uint32_t capacity) {
+    FreeBlock*& list = free_[capacity / kUnit];
+    if (!list) return cut(capacity);
+    openMemory(list, capacity);
+    FreeBlock* first = list;
+    list = first->next;
+    return reinterpret_cast<std::byte*>(first);
+}
+
+std::byte* RecordPool::cut(std::uint32_t capacity) {
+    if (static_cast<std::size_t>(uncutEnd_ - uncut_) < capacity) addChunk();
+    std::byte* bytes = uncut_;
+    openMemory(bytes, capacity);
+    uncut_ += capacity;
+    return bytes;
+}
+
+// What is left of the chunk in use is too short for the block that is wanted now, but not for every other.
+void RecordPool::addChunk() {
+    const std::size_t size = std::clamp(chunkSize_ * 2, kFirstChunk, kLargestChunk);
+    chunks_.push_back({std::unique_ptr<std::byte[]>(new std::byte[size]), size});
+    const auto rest = static_cast<std::uint32_t>(uncutEnd_ - uncut_);
+    if (rest != 0) keep(uncut_, rest);
+    chunkSize_ = size;
+    uncut_ = chunks_.back().bytes.get();
+    uncutEnd_ = uncut_ + size;
+    closeMemory(uncut_, size);
+}
+
+void RecordPool::keep(std::byte* bytes, std::uint32_t capacity) {
+    openMemory(bytes, capacity);
+    FreeBlock*& list = free_[capacity / kUnit];
+    list = new (bytes) FreeBlock{list};
+    closeMemory(bytes, capacity);
+}
+
+}  // namespace norvane::platform::core::storage::datastore

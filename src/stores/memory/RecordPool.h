@@ -1,0 +1,63 @@
+// Where the bytes of a memory store's records lie.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+namespace norvane::platform::core::storage::datastore {
+
+// The bytes of one record. Null bytes mean that there is no record; one of size 0 has bytes all the same.
+struct Block {
+    std::byte* bytes = nullptr;
+    std::uint32_t size = 0;
+    std::uint32_t capacity = 0;
+};
+
+// Hands out blocks. Small ones are cut from chunks without a header of their own, and come from and go to
+// lists by capacity; large ones are the allocator's. Chunks are given back all together, when the pool goes.
+//
+// Under AddressSanitizer, what is not the bytes of a record may not be touched: neither the rest of a block
+// behind `size` nor a block that was released.
+class RecordPool {
+  public:
+    RecordPool() = default;
+    RecordPool(const RecordPool&) = delete;
+    RecordPool& operator=(const RecordPool&) = delete;
+    ~RecordPool();
+
+    // A block of that size, its bytes not set, with room for `capacity` bytes if that is more. Throws
+    // `std::bad_alloc`.
+    Block take(std::uint32_t size, std::uint32_t capacity = 0);
+    // Gives the block back and leaves it as of no record.
+    void release(Block& block);
+    // Changes the size within the capacity. Bytes that come in so are not set.
+    static void resize(Block& block, std::uint32_t size);
+
+  private:
+    struct FreeBlock {
+        FreeBlock* next;
+    };
+    struct Chunk {
+        std::unique_ptr<std::byte[]> bytes;
+        std::size_t size;
+    };
+
+    std::byte* takeSmall(std::uint32_t capacity);
+    std::byte* cut(std::uint32_t capacity);
+    void addChunk();
+    void keep(std::byte* bytes, std::uint32_t capacity);
+
+    static constexpr std::uint32_t kUnit = 16;
+    static constexpr std::uint32_t kLargestSmall = 1024;
+
+    std::array<FreeBlock*, kLargestSmall / kUnit + 1> free_{};
+    std::vector<Chunk> chunks_;
+    std::size_t chunkSize_ = 0;
+    std::byte* uncut_ = nullptr;
+    std::byte* uncutEnd_ = nullptr;
+};
+
+}  // namespace norvane::platform::core::storage::datastore

@@ -1,11 +1,10 @@
+# The target qvt_threaded_tests builds the programs labelled `threaded` and no others.
+add_custom_target(qvt_threaded_tests)
+
 # qvt_test(<name> [LAYER <layer>] SOURCES <file>... [LABELS <label>...] [LINK <library>...] [TIMEOUT <seconds>])
 # Makes a GoogleTest program whose cases are tests of ctest. With LAYER it links that layer and those left of it; without, the
 # shared libraries alone: never both, or each class would stand in the program twice.
 # LABELS is `unit` when left out; labels in use: unit contract golden abi lint consumer slow threaded.
-#
-# The target qvt_threaded_tests builds the programs labelled `threaded` and no others.
-add_custom_target(qvt_threaded_tests)
-
 function(qvt_test name)
     cmake_parse_arguments(PARSE_ARGV 1 test "" "LAYER;TIMEOUT" "SOURCES;LABELS;LINK")
     if(test_LAYER)

@@ -1,0 +1,148 @@
+#include "xml/NumberText.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cstdint>
+#include <cstring>
+#include <istream>
+#include <locale>
+#include <streambuf>
+#include <string>
+#include <type_traits>
+
+namespace norvane::platform::data {
+namespace {
+
+constexpr int kFloatPrecision = 7;
+
+constexpr bool isDigit(char c) { return c >= '0' && c <= '9'; }
+
+// A stream on characters that it does not own.
+class ViewBuffer : public std::streambuf {
+  public:
+    ViewBuffer(const char* begin, const char* end) {
+        setg(const_cast<char*>(begin), const_cast<char*>(begin), const_cast<char*>(end));
+    }
+};
+
+// What a number may look like is what formatted extraction takes: this is the rule, and the fast way below is
+// for the tokens on which both agree. Extraction stores something even when it fails, hence the value of its
+// own.
+template <typename T>
+bool extract(const char* token, const char* end, void* target) {
+    ViewBuffer buffer(token, end);
+    std::istream stream(&buffer);
+    stream.imbue(std::locale::classic());
+    T value;
+    if (!(stream >> value)) return false;
+    std::memcpy(target, &value, sizeof value);
+    return true;
+}
+
+// Blanks, "+", inf, nan and, for unsigned types, "-" mean something else to extraction.
+template <typename T>
+bool beginsPlainly(const char* token, const char* end) {
+    if (std::is_signed_v<T> && token != end && *token == '-') ++token;
+    if (std::is_floating_point_v<T> && token != end && *token == '.') ++token;
+    return token != end && isDigit(*token);
+}
+
+// Extraction takes an "e" for the beginning of an exponent and fails without one; from_chars stops there.
+template <typename T>
+bool endsPlainly(const char* stop, const char* end) {
+    return std::is_integral_v<T> || stop == end || (*stop != 'e' && *stop != 'E');
+}
+
+template <typename T>
+bool parse(const char* token, const char* end, void* target) {
+    if (token == end) return false;
+    if (beginsPlainly<T>(token, end)) {
+        T value;
+        const auto [stop, error] = std::from_chars(token, end, value);
+        if (error == std::errc() && endsPlainly<T>(stop, end)) {
+            std::memcpy(target, &value, sizeof value);
+            return true;
+        }
+    }
+    return extract<T>(token, end, target);
+}
+
+template <typename T>
+T load(const void* value) {
+    T loaded;
+    std::memcpy(&loaded, value, sizeof loaded);
+    return loaded;
+}
+
+template <typename T>
+std::size_t print(const void* value, char* text) {
+    char* const end = text + kNumberTextSize;
+    if constexpr (std::is_floating_point_v<T>)
+        return static_cast<std::size_t>(
+            std::to_chars(text, end, load<T>(value), std::chars_format::general, kFloatPrecision).ptr - text);
+    else
+        return static_cast<std::size_t>(std::to_chars(text, end, +load<T>(value)).ptr - text);
+}
+
+}  // namespace
+
+bool parseNumber(const char* token, void* target, int index) {
+    return parseNumber(token, token + std::strlen(token), target, index);
+}
+
+bool parseNumber(const char* token, const char* end, void* target, int index) {
+    switch (index) {
+        case 0:
+        case 1:
+        case 3:
+        case 5:
+            return parse<std::int32_t>(token, end, target);
+        case 2:
+        case 4:
+        case 6:
+            return parse<std::uint32_t>(token, end, target);
+        case 7:
+            return parse<std::int64_t>(token, end, target);
+        case 8:
+            return parse<std::uint64_t>(token, end, target);
+        case 9:
+            return parse<float>(token, end, target);
+        default:
+            return parse<double>(token, end, target);
+    }
+}
+
+bool formatNumber(const void* value, core::tWChar* text, int index) {
+    char narrow[kNumberTextSize];
+    const std::size_t length = formatNumber(value, narrow, index);
+    *std::copy(narrow, narrow + length, text) = 0;
+    return true;
+}
+
+std::size_t formatNumber(const void* value, char* text, int index) {
+    switch (index) {
+        case 0:
+        case 2:
+            return print<std::uint8_t>(value, text);
+        case 1:
+            return print<std::int8_t>(value, text);
+        case 3:
+            return print<std::int16_t>(value, text);
+        case 4:
+            return print<std::uint16_t>(value, text);
+        case 5:
+            return print<std::int32_t>(value, text);
+        case 6:
+            return print<std::uint32_t>(value, text);
+        case 7:
+            return print<std::int64_t>(value, text);
+        case 8:
+            return print<std::uint64_t>(value, text);
+        case 9:
+            return print<float>(value, text);
+        default:
+            return print<double>(value, text);
+    }
+}
+
+}  // namespace norvane::platform::data

@@ -24,6 +24,9 @@ option(QVT_FUZZ "Build the fuzzers (clang only)" OFF)
 option(QVT_COVERAGE "Count the lines that run" OFF)
 set(QVT_SANITIZE "" CACHE STRING "Sanitizers, comma separated: address,undefined or thread")
 
+# g++ has sized deallocation without being asked.
+add_compile_options($<$<CXX_COMPILER_ID:Clang>:-fsized-deallocation>)
+
 add_compile_definitions($<$<NOT:$<CONFIG:Release>>:_GLIBCXX_ASSERTIONS>)
 
 # A list given with semicolons means the same as one given with commas.

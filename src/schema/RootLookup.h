@@ -1,0 +1,52 @@
+// Looking names up below record 0, again and again.
+#pragma once
+
+#include <cstdint>
+#include <mutex>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+
+#include "records/Records.h"
+
+namespace norvane::platform::data::Schema {
+
+// Gives what `findChild` gives for record 0, and remembers for each store and name how far it has looked. A
+// document in which every object is of no class, or of a class that nobody knows, has the same name looked up
+// in the very store that it is read into, once for each object: only what came since is then looked at.
+//
+// That is sound below a root record alone. Its children are never renamed and never removed by this library,
+// so that all that can happen to its list is that it gets longer. A record 0 of another kind, whose children
+// do come and go, is searched afresh each time.
+//
+// Any thread may ask at any time. The mutex is never held while a record is read.
+class RootLookup {
+  public:
+    // The first child of record 0 with that name, or BADOFF.
+    std::uint32_t find(IDataStore* store, std::u16string_view name);
+    // Another store, or another content, may come to stand at this address.
+    void forget(IDataStore* store);
+    void forgetAll();
+
+  private:
+    // How far one name has been looked for in one store.
+    struct Memo {
+        std::uint64_t stamp = 0;   // the store's change stamp then; 0 if it has none
+        std::uint32_t list = 0;    // the record that lists the children
+        std::uint32_t looked = 0;  // so many of its values were looked at,
+        std::uint32_t last = 0;    // the last of which was this one
+        std::uint32_t found = IDataStore::BADOFF;
+    };
+    struct Hash : std::hash<std::u16string_view> {
+        using is_transparent = void;
+    };
+    using Memos = std::unordered_map<std::u16string, Memo, Hash, std::equal_to<>>;
+
+    Memo recall(IDataStore* store, std::u16string_view name);
+    void remember(IDataStore* store, std::u16string_view name, const Memo& memo);
+
+    std::mutex mutex_;
+    std::unordered_map<IDataStore*, Memos> memos_;
+};
+
+}  // namespace norvane::platform::data::Schema

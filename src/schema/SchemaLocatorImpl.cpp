@@ -1,0 +1,147 @@
+#include "schema/SchemaLocatorImpl.h"
+
+#include <algorithm>
+#include <string>
+
+#include "model/Open.h"
+#include "norvane/platform/core/Compare.h"
+#include "norvane/platform/core/string/KeyHash.h"
+#include "schema/FirstFailure.h"
+#include "schema/SchemaImpl.h"
+#include "schema/TypeSearch.h"
+
+namespace norvane::platform::data::metadata {
+
+SharedPtr<ISchemaLocator> ISchemaLocator::make(IDataStore* store) {
+    const SharedPtr<Schema::SchemaLocatorImpl> locator(new Schema::SchemaLocatorImpl);
+    locator->addStore(store);
+    return locator;
+}
+
+}  // namespace norvane::platform::data::metadata
+
+namespace norvane::platform::data::Schema {
+
+namespace {
+
+constexpr auto kTable = static_cast<std::uint8_t>(Record::Kind::table);
+
+}  // namespace
+
+// As many bytes as the name has code units enter the hash, which is the first half of it. The names are told
+// apart by their text.
+std::size_t SchemaLocatorImpl::NameCompare::hash(const tWChar* name) {
+    return core::string::wideKeyHash(name, std::char_traits<tWChar>::length(name));
+}
+
+bool SchemaLocatorImpl::NameCompare::equal(const tWChar* left, const tWChar* right) {
+    return core::tWCharCompareEqual()(left, right);
+}
+
+// Of what stands at the address, not of the address: a registered store must be alive, because the map hashes
+// it again when it grows.
+std::size_t SchemaLocatorImpl::StoreCompare::hash(const IDataStore* store) {
+    constexpr std::size_t kHashedBytes = 8;
+    static_assert(sizeof(IDataStore) >= kHashedBytes);
+    return core::string::wideKeyHash(store, kHashedBytes);
+}
+
+SchemaLocatorImpl::~SchemaLocatorImpl() noexcept(false) {
+    layoutCache_.clear();
+    FirstFailure failures;
+    for (Layout* layout : owned_) failures.attempt([layout] { delete layout; });
+    if (!unwinding_.isUnwinding()) failures.rethrow();
+}
+
+SharedPtr<metadata::ISchema> SchemaLocatorImpl::locate(WideString names) {
+    if (!names.value()) return {};
+    std::vector<Layout*> found = TypeSearch(*this).locate(Record::textOf(names.value()));
+    if (found.empty()) return {};
+    return SharedPtr<SchemaImpl>(new SchemaImpl(std::move(found)));
+}
+
+void SchemaLocatorImpl::addStore(IDataStore* store) {
+    if (!store) return;
+    const std::lock_guard lock(mutex_);
+    storeSet_.insert({store, true});
+}
+
+bool SchemaLocatorImpl::removeStore(IDataStore* store) {
+    if (!store) return false;
+    std::vector<Leaving> leaving;
+    {
+        const std::lock_guard lock(mutex_);
+        if (storeSet_.count(store) == 0) return false;
+        leaving = takeLayoutsOn(store);
+        storeSet_.erase(store);
+    }
+    roots_.forget(store);
+    FirstFailure failures;
+    for (const auto& [layout, isDeleted] : leaving)
+        failures.attempt([&] { isDeleted ? delete layout : layout->closeTable(); });
+    failures.rethrow();
+    return true;
+}
+
+void SchemaLocatorImpl::clearStores() {
+    const std::lock_guard lock(mutex_);
+    storeSet_.clear();
+    roots_.forgetAll();
+}
+
+Layout* SchemaLocatorImpl::cached(const std::u16string& name) const {
+    decltype(layoutCache_)::const_accessor entry;
+    return layoutCache_.find(entry, name.c_str()) ? entry->second : nullptr;
+}
+
+TablePlace SchemaLocatorImpl::tableNamed(std::u16string_view name) {
+    const std::size_t dot = name.find(u'.');
+    for (IDataStore* store : stores()) {
+        if (store->size() == 0) continue;
+        std::uint32_t offset = roots_.find(store, name.substr(0, dot));
+        if (dot != name.npos) offset = Metadata::resolvePath(store, offset, name.substr(dot + 1));
+        if (offset == IDataStore::BADOFF) continue;
+        if (Record::kindOf(store, offset) == kTable) return {store, offset};
+    }
+    return {};
+}
+
+Layout* SchemaLocatorImpl::publish(Owned<Layout> layout) {
+    const std::lock_guard lock(mutex_);
+    if (owned_.size() == owned_.capacity()) owned_.reserve(owned_.size() * 2 + 8);
+    decltype(layoutCache_)::accessor entry;
+    layoutCache_.insert(entry, layout->name().c_str());
+    entry->second = layout.get();
+    owned_.push_back(layout.get());
+    return layout.release();
+}
+
+std::vector<IDataStore*> SchemaLocatorImpl::stores() {
+    const std::lock_guard lock(mutex_);
+    std::vector<IDataStore*> stores;
+    stores.reserve(storeSet_.size());
+    for (const auto& [store, unused] : storeSet_) stores.push_back(store);
+    return stores;
+}
+
+// All memory is taken before the first entry goes.
+std::vector<SchemaLocatorImpl::Leaving> SchemaLocatorImpl::takeLayoutsOn(IDataStore* store) {
+    std::vector<Leaving> leaving;
+    leaving.reserve(owned_.size());
+    const auto goes = [&](Layout* layout) {
+        if (!layout->isOpenOn(store)) return false;
+        leaving.push_back({layout, uncache(layout)});
+        return leaving.back().isDeleted;
+    };
+    owned_.erase(std::remove_if(owned_.begin(), owned_.end(), goes), owned_.end());
+    return leaving;
+}
+
+// False if another layout of that name is cached, whose key may then be this one's text.
+bool SchemaLocatorImpl::uncache(Layout* layout) {
+    decltype(layoutCache_)::accessor entry;
+    if (!layoutCache_.find(entry, layout->name().c_str())) return true;
+    return entry->second == layout && layoutCache_.erase(entry);
+}
+
+}  // namespace norvane::platform::data::Schema

@@ -39,6 +39,10 @@ else()
     add_link_options(LINKER:-z,defs)
 endif()
 
+if(QVT_FUZZ)
+    add_compile_options(-fsanitize=fuzzer-no-link)
+endif()
+
 if(QVT_COVERAGE)
     add_compile_options(--coverage -fprofile-update=atomic)
     add_link_options(--coverage)

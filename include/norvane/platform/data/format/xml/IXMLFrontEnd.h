@@ -24,10 +24,11 @@ class QVT_DATA_TYPE IXMLFrontEnd {
   public:
     /// Reads a document into a store as a new tree: a `root` in an empty store becomes the store's root; any
     /// other document element, and any in a store that has records, becomes a tree that is in no container.
-    /// Without a locator classes are ignored and structs are refused. Opens the reader, closes it, and
-    /// flushes the store, also when the reader did not open. What is wrong in an element goes to the
-    /// reporter, and the element is skipped. A syntax error or an exception ends the reading in silence: ask
-    /// the reader or the parser of the core library for its place.
+    /// Without a locator classes are ignored and structs are refused. What is wrong in an element goes to the
+    /// reporter, and the element is skipped. A syntax error or an exception ends the reading in silence; a
+    /// core::xml::DiagnosingReader around the reader tells it, and the place of every report. Opens the
+    /// reader and closes it, except after an exception. Flushes the store in the end, also when the reader
+    /// did not open.
     static QVT_DATA_API void parse(IDataStore* store, core::io::IDataReader* reader,
                                    metadata::ISchemaLocator* locator, IURIResolver* resolver,
                                    IErrorReporter* reporter);
@@ -42,7 +43,7 @@ class QVT_DATA_TYPE IXMLFrontEnd {
 
     /// Writes the tree below the record at `offset` as a document: 0 for the whole store, BADOFF for a header
     /// alone. What came from a class and was not changed is left out, and so are struct values without a
-    /// locator. Numbers have at most 7 significant digits. Opens the writer and closes it; does not flush the
+    /// locator. Floats have at most 7 significant digits. Opens the writer and closes it; does not flush the
     /// store. When something throws, the writer is not closed.
     static QVT_DATA_API void serialize(IDataStore* store, core::io::IDataWriter* writer,
                                        metadata::ISchemaLocator* locator, unsigned int offset);

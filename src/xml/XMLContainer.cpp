@@ -1,0 +1,40 @@
+#include "xml/XMLContainer.h"
+
+#include "model/Container.h"
+
+namespace norvane::platform::data {
+
+Owned<Metadata::Item> XMLContainer::create(Attributes attributes) {
+    const char* name = nameOf(attributes);
+    if (!name) return {};
+    auto container = makeOwned<Structural::Container>(store_, keyword().detail, decode(name));
+    markOptional(*container, attributes);
+    if (const char* classText = findAttribute("class", attributes))
+        if (const auto schema = locate(locator_, decode(classText))) container->importClasses(schema.get());
+    const char* target = findAttribute("to", attributes);
+    if (target && container->kind() == structure::kLink) container->setLinkTarget(decode(target).c_str());
+    return container;
+}
+
+Owned<Metadata::Item> XMLContainer::nest(Metadata::Item& parent, Owned<Metadata::Item>& child) {
+    switch (Record::kindOf(store_, child->offset())) {
+        case static_cast<std::uint8_t>(Record::Kind::container):
+            return addTo(parent, child);
+        case static_cast<std::uint8_t>(Record::Kind::primitive):
+        case static_cast<std::uint8_t>(Record::Kind::table):
+            return addOrOverride(parent, child);
+        default:
+            return {};
+    }
+}
+
+void XMLContainer::serialize(Metadata::Item& object, XMLSerializer& serializer) {
+    const auto& container = static_cast<const Structural::Container&>(object);
+    serializer.startElement(keyword().wideName, nullptr);
+    writeAttribute(serializer, u"name", container.name());
+    writeAttribute(serializer, u"class", container.classText());
+    if (container.kind() == structure::kLink) writeAttribute(serializer, u"to", container.linkTarget());
+    writeDisplayNames(object, serializer);
+}
+
+}  // namespace norvane::platform::data

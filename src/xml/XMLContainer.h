@@ -1,0 +1,24 @@
+#pragma once
+
+#include "xml/Element.h"
+
+namespace norvane::platform::data {
+
+// The elements of nodes, groups and links.
+class XMLContainer final : public Element {
+  public:
+    // The locator is borrowed and may be null; writing needs none.
+    XMLContainer(const tKeyword& keyword, IDataStore* store, metadata::ISchemaLocator* locator)
+        : Element(keyword, store), locator_(locator) {}
+
+    Owned<Metadata::Item> create(Attributes attributes) override;
+    // Containers, tables and primitives. A container is refused when its name is taken, also by one that came
+    // from a class: only properties override.
+    Owned<Metadata::Item> nest(Metadata::Item& parent, Owned<Metadata::Item>& child) override;
+    void serialize(Metadata::Item& object, XMLSerializer& serializer) override;
+
+  private:
+    metadata::ISchemaLocator* locator_;
+};
+
+}  // namespace norvane::platform::data

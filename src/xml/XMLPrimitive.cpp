@@ -1,0 +1,101 @@
+#include "xml/XMLPrimitive.h"
+
+#include <cstdio>
+#include <utility>
+
+#include "xml/UnitTable.h"
+#include "xml/ValueReader.h"
+#include "xml/ValueWriter.h"
+
+namespace norvane::platform::data {
+namespace {
+
+// How many elements a value is made for ahead of its text: vectors and matrices are of one size, for the
+// others it is told.
+std::uint32_t countOf(std::uint32_t type, Attributes attributes) {
+    if (type >= metadata::kVector2 && type <= metadata::kMatrix4x4) return metadata::componentCount(type);
+    const char* dimension = findAttribute("dim", attributes);
+    unsigned count = 0;
+    return dimension && std::sscanf(dimension, "%u", &count) == 1 ? count : 0;
+}
+
+void describe(Design::Primitive& primitive, Attributes attributes) {
+    const char* uri = findAttribute("uri", attributes);
+    if (uri && !primitive.setUri(decode(uri).c_str())) throw TooLarge();
+    if (const char* locale = findAttribute("locale", attributes)) primitive.setLocale(decode(locale).c_str());
+    if (const char* units = findAttribute("units", attributes)) primitive.setUnits(unitIdOf(units));
+}
+
+}  // namespace
+
+Owned<Metadata::Item> XMLPrimitive::create(Attributes attributes) {
+    const char* name = nameOf(attributes);
+    if (!name) return {};
+    const char* structType = isStruct() ? structTypeOf(attributes) : nullptr;
+    if (isStruct() && !structType) return {};
+    auto primitive = makeOwned<Design::Primitive>(store_, keyword().detail, decode(name));
+    describe(*primitive, attributes);
+    size(*primitive, countOf(keyword().detail, attributes), structType);
+    return primitive;
+}
+
+// The `type` attribute, or null and an error.
+const char* XMLPrimitive::structTypeOf(Attributes attributes) {
+    const char* type = findAttribute("type", attributes);
+    if (!type)
+        error_ = u"missing mandatory 'type' attribute for <struct>";
+    else if (!locator_)
+        error_ = u"missing locator to resolve the 'type' attribute";
+    return locator_ ? type : nullptr;
+}
+
+void XMLPrimitive::size(Design::Primitive& primitive, std::uint32_t count, const char* structType) {
+    if (structType)
+        sizeStructs(primitive, count, decode(structType));
+    else if (count != 0)
+        primitive.resizeOrThrow(count);
+}
+
+// A type that is not found leaves the value without type and size.
+void XMLPrimitive::sizeStructs(Design::Primitive& primitive, std::uint32_t count,
+                               const std::u16string& type) {
+    const SharedPtr<metadata::ISchema> schema = locate(locator_, type);
+    if (!schema) {
+        error_ = u"unable to resolve type schema '" + type + u"'";
+        return;
+    }
+    primitive.setStructType(type.c_str());
+    if (count != 0 && !primitive.hasUri())
+        primitive.resizeOrThrow(Record::checkedSize(std::uint64_t{count} * schema->layout()->byteSize()));
+}
+
+void XMLPrimitive::endContent(Metadata::Item& object, const std::string& text) {
+    if (takeName(object, text)) return;
+    const bool isVal = std::exchange(subElement_, SubElement::none) == SubElement::val;
+    auto* primitive = dynamic_cast<Design::Primitive*>(&object);
+    if (!primitive || primitive->hasUri()) return;
+    const std::uint32_t type = keyword().detail;
+    if (isStruct())
+        readStructs(*primitive, text, locate(locator_, primitive->structType()));
+    else if (type == metadata::kBinary)
+        readBinary(*primitive, text);
+    else if (metadata::isTextType(type))
+        readText(*primitive, text, isVal ? primitive->count() : 0);
+    else
+        readNumbers(*primitive, text);
+}
+
+void XMLPrimitive::serialize(Metadata::Item& object, XMLSerializer& serializer) {
+    const auto& primitive = static_cast<const Design::Primitive&>(object);
+    serializer.startElement(keyword().wideName, nullptr);
+    writeAttribute(serializer, u"name", primitive.name());
+    if (const std::uint32_t units = primitive.units())
+        writeAttribute(serializer, u"units", unitNameOf(units));
+    if (!primitive.localeTag().empty()) writeAttribute(serializer, u"locale", primitive.localeTag());
+    if (isStruct()) writeAttribute(serializer, u"type", primitive.structType());
+    if (primitive.hasUri()) writeAttribute(serializer, u"uri", primitive.uri());
+    const bool hasNames = writeDisplayNames(object, serializer) != 0;
+    writeValue(primitive, serializer, hasNames, locator_);
+}
+
+}  // namespace norvane::platform::data

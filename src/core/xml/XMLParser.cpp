@@ -20,9 +20,23 @@ struct XMLParser::State {
     explicit State(XMLCallback& receiver) : callback(receiver) {}
 
     XMLCallback& callback;
-    XML_Parser running = nullptr;
+    bool isBusy = false;
+    XML_Parser running = nullptr;  // while expat knows the place
     tPlace lastPlace;
     std::string wrong;
+
+    void begin(XML_Parser parser) {
+        isBusy = true;
+        running = parser;
+        lastPlace = {};
+        wrong.clear();
+    }
+
+    void end(const tPlace& place, const std::string& error) {
+        running = nullptr;
+        lastPlace = place;
+        wrong = error;
+    }
 };
 
 namespace {
@@ -57,6 +71,7 @@ class Run {
 
     XML_Parser parser() const { return parser_.get(); }
     const std::string& wrong() const { return wrong_; }
+    tPlace place() const { return isStopped() ? stopPlace_ : placeOf(parser()); }
 
     void read(io::IDataReader& reader) {
         std::size_t wanted = kPiece;
@@ -91,13 +106,20 @@ class Run {
         const XML_Error error = XML_GetErrorCode(parser_.get());
         if (error == XML_ERROR_NO_MEMORY) throw std::bad_alloc();
         wrong_ = XML_ErrorString(error);
+        stopPlace_ = placeOf(parser());
     }
 
     bool isStopped() const { return thrown_ || !wrong_.empty(); }
 
     void refuse(const char* text) {
         wrong_ = text;
-        XML_StopParser(parser_.get(), XML_FALSE);
+        stop();
+    }
+
+    // Expat moves on to the end of the tag before it stops.
+    void stop() {
+        stopPlace_ = placeOf(parser());
+        XML_StopParser(parser(), XML_FALSE);
     }
 
     template <class Call>
@@ -109,7 +131,7 @@ class Run {
             call(run);
         } catch (...) {
             run.thrown_ = std::current_exception();
-            XML_StopParser(run.parser(), XML_FALSE);
+            run.stop();
         }
     }
 
@@ -168,6 +190,7 @@ class Run {
     ParserHandle parser_;
     std::exception_ptr thrown_;
     std::string wrong_;
+    tPlace stopPlace_;
     bool eventCame_ = false;
     bool mayHideEntities_ = false;
 };
@@ -205,22 +228,30 @@ class Audience {
 
 }  // namespace
 
+// Lets the next parse begin, in whatever way this one is left.
+class XMLParser::Ending {
+  public:
+    explicit Ending(State& state) : state_(state) {}
+    Ending(const Ending&) = delete;
+    Ending& operator=(const Ending&) = delete;
+    ~Ending() {
+        state_.running = nullptr;
+        state_.isBusy = false;
+    }
+
+  private:
+    State& state_;
+};
+
 XMLParser::XMLParser(XMLCallback& callback, tracer::ISink*) : state_(new State(callback)) {}
 
 XMLParser::~XMLParser() = default;
 
 bool XMLParser::parseDocument(io::IDataReader* reader) {
-    if (!reader || state_->running) return false;
+    if (!reader || state_->isBusy) return false;
     Run run(state_->callback);
-    // Declared before the audience, so that `place` has its last answer when the audience hears the end.
-    struct Running {
-        State& state;
-        ~Running() { state.running = nullptr; }
-    } running{*state_};
-    state_->wrong.clear();
-    state_->lastPlace = {};
-    state_->running = run.parser();
-
+    state_->begin(run.parser());
+    const Ending ending(*state_);
     Audience audience(reader);
     audience.parsing(*this);
     std::exception_ptr thrown;
@@ -229,8 +260,7 @@ bool XMLParser::parseDocument(io::IDataReader* reader) {
     } catch (...) {
         thrown = std::current_exception();
     }
-    state_->lastPlace = placeOf(run.parser());
-    state_->wrong = run.wrong();
+    state_->end(run.place(), run.wrong());
     if (thrown || !state_->wrong.empty())
         audience.stopped(state_->lastPlace, thrown ? describe(thrown) : state_->wrong);
     if (thrown) std::rethrow_exception(thrown);

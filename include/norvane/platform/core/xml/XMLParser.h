@@ -59,6 +59,7 @@ class QVT_CORE_API XMLParser {
 
   private:
     struct State;
+    class Ending;
     std::unique_ptr<State> state_;
 };
 

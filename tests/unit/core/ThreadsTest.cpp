@@ -1,0 +1,122 @@
+// What several threads may do at once; run under ThreadSanitizer.
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <functional>
+#include <thread>
+#include <vector>
+
+#include "norvane/platform/core/memory/PooledHeap.h"
+#include "norvane/platform/core/memory/SharedPtr.h"
+#include "norvane/platform/core/string/WideString.h"
+#include "norvane/platform/core/thread/Mutex.h"
+
+namespace norvane::platform::core {
+namespace {
+
+constexpr int kThreads = 4;
+constexpr int kRounds = 2000;
+
+void onThreads(const std::function<void(int)>& work) {
+    std::vector<std::thread> threads;
+    for (int index = 0; index < kThreads; ++index) threads.emplace_back(work, index);
+    for (auto& thread : threads) thread.join();
+}
+
+struct Pointee {
+    explicit Pointee(std::atomic<int>& deletions) : deletions_(deletions) {}
+    Pointee(const Pointee&) = delete;
+    Pointee& operator=(const Pointee&) = delete;
+    virtual ~Pointee() { ++deletions_; }
+    int number = 7;
+
+  private:
+    std::atomic<int>& deletions_;
+};
+
+using Handle = memory::SharedPtr<Pointee>;
+
+TEST(ThreadsTest, HandlesAreCopiedAndDroppedAtOnce) {
+    std::atomic<int> deletions{0};
+    {
+        const Handle shared(new Pointee(deletions));
+        onThreads([&](int) {
+            for (int round = 0; round < kRounds; ++round) {
+                const Handle copy(shared);
+                const Handle another(copy);
+                EXPECT_EQ(another->number, 7);
+            }
+        });
+        EXPECT_EQ(deletions, 0);
+    }
+    EXPECT_EQ(deletions, 1);
+}
+
+TEST(ThreadsTest, LastHandleOfSeveralThreadsDeletesOnce) {
+    for (int round = 0; round < kRounds / 4; ++round) {
+        std::atomic<int> deletions{0};
+        std::vector<Handle> handles(1, Handle(new Pointee(deletions)));
+        handles.resize(kThreads, handles[0]);
+        onThreads([&](int index) { handles[static_cast<std::size_t>(index)].reset(); });
+        ASSERT_EQ(deletions, 1);
+    }
+}
+
+// A weak holder tries to revive the pointee while the last strong reference goes. Whoever wins, it is deleted
+// once, and not while it is held.
+TEST(ThreadsTest, PointeeIsRevivedOrGoneNeverBoth) {
+    for (int round = 0; round < kRounds; ++round) {
+        std::atomic<int> deletions{0};
+        memory::IPointerCounter* counter =
+            new memory::_Private::_Counter::_CounterImp<Pointee>(new Pointee(deletions));
+        counter->addWeak();
+        counter->addStrong();
+        counter->addWeak();
+        std::thread dropping([&] { counter->releaseStrong(); });
+        if (counter->addStrong()) {
+            EXPECT_EQ(deletions, 0);
+            counter->releaseStrong();
+        }
+        dropping.join();
+        ASSERT_EQ(deletions, 1);
+        EXPECT_EQ(counter->strongCount(), 0);
+        counter->releaseWeak();
+    }
+}
+
+TEST(ThreadsTest, CopiesOfOneTextGoToSeveralThreads) {
+    const string::WideString shared(u"shared text");
+    onThreads([&](int) {
+        for (int round = 0; round < kRounds; ++round) {
+            string::WideString copy(shared);
+            copy.detach();
+            EXPECT_TRUE(copy == u"shared text");
+        }
+    });
+}
+
+TEST(ThreadsTest, PoolServesAllThreads) {
+    onThreads([](int index) {
+        for (int round = 0; round < kRounds; ++round) {
+            const std::size_t size = static_cast<std::size_t>(round % 100);
+            void* block = memory::PooledHeap::malloc(size);
+            if (size != 0) *static_cast<char*>(block) = static_cast<char>(index);
+            memory::PooledHeap::free(block, size);
+        }
+    });
+}
+
+TEST(ThreadsTest, MutexLetsOneThreadPassAtATime) {
+    thread::Mutex mutex;
+    int count = 0;
+    onThreads([&](int) {
+        for (int round = 0; round < kRounds; ++round) {
+            const thread::Mutex::ScopedLock lock(mutex);
+            ++count;
+        }
+    });
+    EXPECT_EQ(count, kThreads * kRounds);
+}
+
+}  // namespace
+}  // namespace norvane::platform::core

@@ -115,8 +115,8 @@ class Base {
 
     IDataStore* store_;
     std::uint32_t offset_;
+    std::uint32_t size_ = 0;  // ahead of the buffer, whose reading sets it
     Block buffer_;
-    std::uint32_t size_ = 0;
 };
 
 class Entity : public Base {

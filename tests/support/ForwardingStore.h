@@ -45,6 +45,8 @@ class ForwardingStore : public IDataStore {
     // The other store is borrowed.
     ForwardingStore(IDataStore& store, Extensions extensions) : store_(store), extensions_(extensions) {}
 
+    ~ForwardingStore() noexcept override {}
+
     void setExtensions(Extensions extensions) { extensions_ = extensions; }
     int guardsHeld() const { return guardsHeld_; }
 
@@ -90,24 +92,24 @@ class ForwardingStore : public IDataStore {
 
     std::uint32_t append(const void* buffer, std::uint32_t size) override {
         before("append");
-        views_.clear();
         const std::uint32_t offset = store_.append(buffer, size);
         after({"append", offset, size, false, bytesOf(buffer, size)});
+        views_.clear();
         return offset;
     }
 
     void extend(std::uint32_t offset, const void* buffer, std::uint32_t size) override {
         before("extend");
-        views_.clear();
         store_.extend(offset, buffer, size);
         after({"extend", offset, size, false, bytesOf(buffer, size)});
+        views_.clear();
     }
 
     void write(std::uint32_t offset, const void* buffer, std::uint32_t size, bool flag) override {
         before("write");
-        views_.clear();
         store_.write(offset, buffer, size, flag);
         after({"write", offset, size, flag, bytesOf(buffer, size)});
+        views_.clear();
     }
 
     std::uint32_t recordSize(std::uint32_t offset) override {
@@ -119,9 +121,9 @@ class ForwardingStore : public IDataStore {
 
     void remove(std::uint32_t offset) override {
         before("remove");
-        views_.clear();
         store_.remove(offset);
         after({"remove", offset, 0, false, {}});
+        views_.clear();
     }
 
     const void* view(std::uint32_t offset, std::uint32_t& size) override {
@@ -138,9 +140,9 @@ class ForwardingStore : public IDataStore {
                bool flag) override {
         if (extensions_ == Extensions::off) return IDataStore::patch(offset, position, bytes, size, flag);
         before("patch");
-        views_.clear();
         const bool done = store_.patch(offset, position, bytes, size, flag);
         after({"patch", offset, size, flag, bytesOf(&position, sizeof position) + bytesOf(bytes, size)});
+        views_.clear();
         return done;
     }
 
@@ -163,9 +165,9 @@ class ForwardingStore : public IDataStore {
             ++store_.guardsHeld_;
         }
         ~WatchedGuard() noexcept(false) override {
-            guard_.reset();
             --store_.guardsHeld_;
             store_.after({"unlock", 0, 0, false, {}});
+            guard_.reset();
         }
 
       private:

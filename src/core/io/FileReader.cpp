@@ -10,7 +10,7 @@ FileReader::FileReader(std::string path) : path_(std::move(path)) {}
 
 FileReader::FileReader(int descriptor) : descriptor_(descriptor), borrowed_(true) {}
 
-FileReader::~FileReader() { close(); }
+FileReader::~FileReader() noexcept { close(); }
 
 bool FileReader::open() {
     errorNumber_ = 0;

@@ -30,7 +30,7 @@ FileWriter::FileWriter(std::string path) : path_(std::move(path)) {}
 
 FileWriter::FileWriter(int descriptor) : descriptor_(descriptor), borrowed_(true) {}
 
-FileWriter::~FileWriter() { abandon(); }
+FileWriter::~FileWriter() noexcept { abandon(); }
 
 bool FileWriter::open() {
     abandon();

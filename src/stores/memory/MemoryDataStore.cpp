@@ -97,7 +97,7 @@ MemoryDataStore::MemoryDataStore() : MemoryDataStore(Options()) {}
 
 MemoryDataStore::MemoryDataStore(Options options) : contents_(new Contents(options)) {}
 
-MemoryDataStore::~MemoryDataStore() = default;
+MemoryDataStore::~MemoryDataStore() noexcept = default;
 
 void MemoryDataStore::read(std::uint32_t offset, void* buffer, std::uint32_t size) {
     const Block* block = contents_->slots.find(offset);

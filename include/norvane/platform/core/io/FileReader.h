@@ -21,7 +21,7 @@ class QVT_CORE_API FileReader : public IDataReader {
     explicit FileReader(int descriptor);
     FileReader(const FileReader&) = delete;
     FileReader& operator=(const FileReader&) = delete;
-    ~FileReader() override;
+    ~FileReader() noexcept override;
 
     bool open() override;
     void close() override;

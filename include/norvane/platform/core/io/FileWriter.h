@@ -22,7 +22,7 @@ class QVT_CORE_API FileWriter : public IDataWriter {
     explicit FileWriter(int descriptor);
     FileWriter(const FileWriter&) = delete;
     FileWriter& operator=(const FileWriter&) = delete;
-    ~FileWriter() override;
+    ~FileWriter() noexcept override;
 
     bool open() override;
     void close() override;

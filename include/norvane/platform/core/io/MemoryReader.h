@@ -14,6 +14,8 @@ class QVT_CORE_API MemoryReader : public IDataReader {
     explicit MemoryReader(std::string_view bytes) : bytes_(bytes) {}
     MemoryReader(const void* bytes, std::size_t size) : bytes_(static_cast<const char*>(bytes), size) {}
 
+    ~MemoryReader() noexcept override {}
+
     /// Goes back to the first byte. Always true.
     bool open() override;
     void close() override;

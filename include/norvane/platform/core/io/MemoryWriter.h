@@ -11,6 +11,8 @@ namespace norvane::platform::core::io {
 /// Collects what is written to it.
 class QVT_CORE_API MemoryWriter : public IDataWriter {
   public:
+    ~MemoryWriter() noexcept override {}
+
     /// Forgets what was collected. Always true.
     bool open() override;
     void close() override;

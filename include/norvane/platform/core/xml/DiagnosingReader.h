@@ -18,6 +18,7 @@ class QVT_CORE_API DiagnosingReader : public io::IDataReader, public IXMLParseLi
     explicit DiagnosingReader(io::IDataReader& reader) : reader_(reader) {}
     DiagnosingReader(const DiagnosingReader&) = delete;
     DiagnosingReader& operator=(const DiagnosingReader&) = delete;
+    ~DiagnosingReader() noexcept override {}
 
     /// Forgets what an earlier parse has left.
     bool open() override;

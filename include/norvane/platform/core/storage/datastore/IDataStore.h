@@ -18,6 +18,8 @@ inline constexpr std::uint32_t kWholeRecord = 0xFFFFFFFFu;
 /// Failure. A store that cannot do what is asked throws, and callers let that pass. Every call that changes
 /// something either does all of it or throws and changes nothing.
 ///
+/// Bytes that are handed in may lie in a view of the same store, also of the record that they go to.
+///
 /// Threads. Callers hold a guard around related calls. The store itself need not be safe without it.
 ///
 /// The first twelve slots are required and keep this order. Behind them stand extensions with bodies that

@@ -37,7 +37,7 @@ class QVT_CORE_API MemoryDataStore : public IDataStore {
     explicit MemoryDataStore(Options options);
     MemoryDataStore(const MemoryDataStore&) = delete;
     MemoryDataStore& operator=(const MemoryDataStore&) = delete;
-    ~MemoryDataStore() override;
+    ~MemoryDataStore() noexcept override;
 
     void read(std::uint32_t offset, void* buffer, std::uint32_t size) override;
     Guard* lock() override;

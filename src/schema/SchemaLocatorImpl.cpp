@@ -77,8 +77,8 @@ bool SchemaLocatorImpl::removeStore(IDataStore* store) {
     }
     roots_.forget(store);
     FirstFailure failures;
-    for (const auto& [layout, isDeleted] : leaving)
-        failures.attempt([&] { isDeleted ? delete layout : layout->closeTable(); });
+    for (const Leaving& each : leaving)
+        failures.attempt([&each] { each.isDeleted ? delete each.layout : each.layout->closeTable(); });
     failures.rethrow();
     return true;
 }

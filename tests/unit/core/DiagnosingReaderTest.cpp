@@ -133,6 +133,7 @@ TEST(DiagnosingReaderTest, TellsAnExceptionOfTheReaderOfAnyType) {
 class Listener : public io::MemoryReader, public IXMLParseListener {
   public:
     explicit Listener(std::string_view document) : MemoryReader(document) {}
+    ~Listener() noexcept override {}
     void parsing(const XMLParser& parser) override {
         calls += "parsing ";
         EXPECT_EQ(parser.place().byte, 0u);

@@ -19,6 +19,7 @@
 #include "norvane/platform/core/io/MemoryWriter.h"
 #include "norvane/platform/core/storage/datastore/MemoryDataStore.h"
 #include "norvane/platform/core/string/StringAlgorithm.h"
+#include "norvane/platform/core/xml/DiagnosingReader.h"
 #include "norvane/platform/data/format/xml/IErrorReporter.h"
 #include "norvane/platform/data/format/xml/IURIResolver.h"
 #include "norvane/platform/data/format/xml/IXMLFrontEnd.h"

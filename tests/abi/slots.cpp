@@ -1,5 +1,6 @@
-// One probe for each public class with virtual operations, so that a compiler that is asked to print the tables of
-// virtual operations prints theirs. A probe's destructor stands out of line, and so brings the probe's table along.
+// One probe for each public class with virtual operations, so that a compiler that is asked to print the
+// tables of virtual operations prints theirs. A probe's destructor stands out of line, and so brings the
+// probe's table along.
 
 #include "norvane/platform/core/Compare.h"
 #include "norvane/platform/core/io/IDataReader.h"

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <string>
+#include <utility>
 
 #include "model/Open.h"
 #include "norvane/platform/core/Compare.h"
@@ -64,6 +65,7 @@ void SchemaLocatorImpl::addStore(IDataStore* store) {
     if (!store) return;
     const std::lock_guard lock(mutex_);
     storeSet_.insert({store, true});
+    storeList_ = listWithout(nullptr);
 }
 
 bool SchemaLocatorImpl::removeStore(IDataStore* store) {
@@ -72,8 +74,10 @@ bool SchemaLocatorImpl::removeStore(IDataStore* store) {
     {
         const std::lock_guard lock(mutex_);
         if (storeSet_.count(store) == 0) return false;
+        StoreList left = listWithout(store);
         leaving = takeLayoutsOn(store);
         storeSet_.erase(store);
+        storeList_ = std::move(left);
     }
     roots_.forget(store);
     FirstFailure failures;
@@ -84,8 +88,10 @@ bool SchemaLocatorImpl::removeStore(IDataStore* store) {
 }
 
 void SchemaLocatorImpl::clearStores() {
+    auto none = std::make_shared<const std::vector<IDataStore*>>();
     const std::lock_guard lock(mutex_);
     storeSet_.clear();
+    storeList_ = std::move(none);
     roots_.forgetAll();
 }
 
@@ -96,7 +102,8 @@ Layout* SchemaLocatorImpl::cached(const std::u16string& name) const {
 
 TablePlace SchemaLocatorImpl::tableNamed(std::u16string_view name) {
     const std::size_t dot = name.find(u'.');
-    for (IDataStore* store : stores()) {
+    const StoreList asked = stores();
+    for (IDataStore* store : *asked) {
         if (store->size() == 0) continue;
         std::uint32_t offset = roots_.find(store, name.substr(0, dot));
         if (dot != name.npos) offset = Metadata::resolvePath(store, offset, name.substr(dot + 1));
@@ -116,12 +123,17 @@ Layout* SchemaLocatorImpl::publish(Owned<Layout> layout) {
     return layout.release();
 }
 
-std::vector<IDataStore*> SchemaLocatorImpl::stores() {
+SchemaLocatorImpl::StoreList SchemaLocatorImpl::stores() {
     const std::lock_guard lock(mutex_);
+    return storeList_;
+}
+
+SchemaLocatorImpl::StoreList SchemaLocatorImpl::listWithout(const IDataStore* store) const {
     std::vector<IDataStore*> stores;
     stores.reserve(storeSet_.size());
-    for (const auto& [store, unused] : storeSet_) stores.push_back(store);
-    return stores;
+    for (const auto& [each, unused] : storeSet_)
+        if (each != store) stores.push_back(each);
+    return std::make_shared<const std::vector<IDataStore*>>(std::move(stores));
 }
 
 // All memory is taken before the first entry goes.

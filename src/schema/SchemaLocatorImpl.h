@@ -5,6 +5,7 @@
 #include <oneapi/tbb/concurrent_hash_map.h>
 
 #include <cstddef>
+#include <memory>
 #include <mutex>
 #include <string>
 #include <string_view>
@@ -71,7 +72,10 @@ class SchemaLocatorImpl final : public metadata::ISchemaLocator {
         bool isDeleted;  // else its name may still be the key of the one that replaced it
     };
 
-    std::vector<IDataStore*> stores();
+    using StoreList = std::shared_ptr<const std::vector<IDataStore*>>;
+
+    StoreList stores();
+    StoreList listWithout(const IDataStore* store) const;
     std::vector<Leaving> takeLayoutsOn(IDataStore* store);
     bool uncache(Layout* layout);
 
@@ -81,7 +85,8 @@ class SchemaLocatorImpl final : public metadata::ISchemaLocator {
     // so an entry goes before its layout.
     Map<const tWChar*, Layout*, NameCompare> layoutCache_;
     Map<IDataStore*, bool, StoreCompare> storeSet_;
-    std::vector<Layout*> owned_;  // cached ones, and those that another thread's has replaced
+    StoreList storeList_ = listWithout(nullptr);  // what is in the set: going through it takes too long
+    std::vector<Layout*> owned_;                  // cached ones, and those that another thread's has replaced
     RootLookup roots_;
 };
 

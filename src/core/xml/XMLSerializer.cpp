@@ -30,12 +30,13 @@ class Output {
     }
 
     void put(std::string_view bytes) {
-        while (!bytes.empty()) {
-            if (used_ == buffer_.size()) flush();
+        while (bytes.size() > buffer_.size() - used_) {
             const std::size_t count = bytes.copy(buffer_.data() + used_, buffer_.size() - used_);
             used_ += count;
             bytes.remove_prefix(count);
+            flush();
         }
+        used_ += bytes.copy(buffer_.data() + used_, bytes.size());
     }
 
     void putEscaped(std::u16string_view text, Context context) {

@@ -1,10 +1,12 @@
 #include "norvane/platform/core/storage/datastore/MemoryDataStore.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <cstring>
 #include <mutex>
+#include <new>
 #include <stdexcept>
-#include <vector>
+#include <type_traits>
 
 #include "stores/memory/RecordPool.h"
 
@@ -19,32 +21,39 @@ class MemoryGuard : public IDataStore::Guard {
     std::unique_lock<std::recursive_mutex> lock_;
 };
 
-// Blocks by offset, in pages, so that a growing table is never copied and has no spare half.
+// Blocks by offset. The table is the C library's, which moves a large one without copying it.
 class Slots {
   public:
+    Slots() = default;
+    Slots(const Slots&) = delete;
+    Slots& operator=(const Slots&) = delete;
+    ~Slots() { std::free(table_); }
+
     std::uint64_t count() const { return count_; }
 
     // Null where there is no record.
     Block* find(std::uint32_t offset) const {
-        if (offset >= count_) return nullptr;
-        Block& block = pages_[offset / kPage][offset % kPage];
-        return block.bytes ? &block : nullptr;
+        return offset < count_ && table_[offset].bytes ? &table_[offset] : nullptr;
     }
 
     // Makes room for one more slot, so that `add` cannot fail.
     void prepare() {
-        if (count_ == pages_.size() * kPage) pages_.emplace_back(new Block[kPage]);
+        if (count_ < room_) return;
+        const std::uint64_t room = room_ == 0 ? kFirstRoom : room_ * 2;
+        void* table = std::realloc(static_cast<void*>(table_), room * sizeof(Block));
+        if (!table) throw std::bad_alloc();
+        table_ = static_cast<Block*>(table);
+        room_ = room;
     }
-    void add(const Block& block) {
-        pages_[count_ / kPage][count_ % kPage] = block;
-        ++count_;
-    }
+    void add(const Block& block) { table_[count_++] = block; }
 
   private:
-    static constexpr std::uint32_t kPage = 256;
+    static constexpr std::uint64_t kFirstRoom = 64;
+    static_assert(std::is_trivially_copyable_v<Block>);
 
-    std::vector<std::unique_ptr<Block[]>> pages_;
+    Block* table_ = nullptr;
     std::uint64_t count_ = 0;
+    std::uint64_t room_ = 0;
 };
 
 void copyBytes(std::byte* to, const void* from, std::size_t size) {
@@ -58,7 +67,7 @@ struct MemoryDataStore::Contents {
 
     ~Contents() {
         for (std::uint64_t offset = 0; offset < slots.count(); ++offset)
-            if (Block* block = slots.find(static_cast<std::uint32_t>(offset))) pool.release(*block);
+            if (Block* block = slots.find(static_cast<std::uint32_t>(offset))) pool.releaseAtEnd(*block);
     }
 
     Block& at(std::uint32_t offset) const {
@@ -76,6 +85,24 @@ struct MemoryDataStore::Contents {
     void replace(Block& block, const Block& fresh) {
         pool.release(block);
         block = fresh;
+    }
+
+    [[gnu::noinline]] void rewrite(Block& block, const void* buffer, std::uint32_t size, bool flag) {
+        checkSize(size);
+        const std::uint32_t before = block.size;
+        // A block much too large for its record goes back.
+        if (size <= block.capacity && size >= block.capacity / 4) {
+            RecordPool::openTo(block, size);
+            copyBytes(block.bytes, buffer, size);
+            RecordPool::resize(block, size);
+        } else {
+            const Block fresh = pool.take(size);
+            copyBytes(fresh.bytes, buffer, size);
+            replace(block, fresh);
+        }
+        byteCount += size;
+        byteCount -= before;
+        changeStamp += flag ? 1 : 0;
     }
 
     void grewBy(std::uint32_t size) {
@@ -148,23 +175,14 @@ void MemoryDataStore::extend(std::uint32_t offset, const void* buffer, std::uint
     contents_->grewBy(size);
 }
 
+// Most writes change a few bytes of a record that keeps its size. Nothing but those bytes and the stamp is
+// written then, not even a register to the stack: what waits for a record that is not in the cache fills the
+// queue of stores.
 void MemoryDataStore::write(std::uint32_t offset, const void* buffer, std::uint32_t size, bool flag) {
     Block& block = contents_->at(offset);
-    contents_->checkSize(size);
-    const std::uint32_t before = block.size;
-    // A block much too large for its record goes back.
-    if (size <= block.capacity && size >= block.capacity / 4) {
-        RecordPool::resize(block, std::max(before, size));
-        copyBytes(block.bytes, buffer, size);
-        RecordPool::resize(block, size);
-    } else {
-        const Block fresh = contents_->pool.take(size);
-        copyBytes(fresh.bytes, buffer, size);
-        contents_->replace(block, fresh);
-    }
-    contents_->byteCount += size;
-    contents_->byteCount -= before;
-    if (flag) ++contents_->changeStamp;
+    if (size != block.size) return contents_->rewrite(block, buffer, size, flag);
+    contents_->changeStamp += flag ? 1 : 0;
+    copyBytes(block.bytes, buffer, size);
 }
 
 std::uint32_t MemoryDataStore::recordSize(std::uint32_t offset) {

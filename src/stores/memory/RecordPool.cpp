@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <new>
+#include <utility>
 
 #include "stores/memory/Fence.h"
 
@@ -9,9 +10,14 @@ namespace norvane::platform::core::storage::datastore {
 namespace {
 
 constexpr std::size_t kFirstChunk = std::size_t{4} << 10;
-constexpr std::size_t kLargestChunk = std::size_t{256} << 10;
+constexpr std::size_t kLargestChunk = std::size_t{1} << 20;
+
+// Small records that have the size of a cache line lie in one.
+constexpr std::align_val_t kChunkAlignment{64};
 
 }  // namespace
+
+void RecordPool::Free::operator()(std::byte* chunk) const { ::operator delete[](chunk, kChunkAlignment); }
 
 RecordPool::~RecordPool() {
     // The allocator gets its memory back as it gave it out.
@@ -36,6 +42,14 @@ void RecordPool::release(Block& block) {
         ::operator delete(block.bytes, block.capacity);
     }
     block = {};
+}
+
+void RecordPool::releaseAtEnd(Block& block) {
+    if (block.capacity > kLargestSmall) release(block);
+}
+
+void RecordPool::openTo(const Block& block, std::uint32_t size) {
+    if (size > block.size) openMemory(block.bytes, size);
 }
 
 void RecordPool::resize(Block& block, std::uint32_t size) {
@@ -64,7 +78,8 @@ std::byte* RecordPool::cut(std::uint32_t capacity) {
 // What is left of the chunk in use is too short for the block that is wanted now, but not for every other.
 void RecordPool::addChunk() {
     const std::size_t size = std::clamp(chunkSize_ * 2, kFirstChunk, kLargestChunk);
-    chunks_.push_back({std::unique_ptr<std::byte[]>(new std::byte[size]), size});
+    std::unique_ptr<std::byte[], Free> bytes(new (kChunkAlignment) std::byte[size]);
+    chunks_.push_back({std::move(bytes), size});
     const auto rest = static_cast<std::uint32_t>(uncutEnd_ - uncut_);
     if (rest != 0) keep(uncut_, rest);
     chunkSize_ = size;

@@ -33,6 +33,10 @@ class RecordPool {
     Block take(std::uint32_t size, std::uint32_t capacity = 0);
     // Gives the block back and leaves it as of no record.
     void release(Block& block);
+    // The same for a pool whose blocks are all given up now: those that go with the chunks are not touched.
+    void releaseAtEnd(Block& block);
+    // Lets bytes up to `size` be written before the size is changed.
+    static void openTo(const Block& block, std::uint32_t size);
     // Changes the size within the capacity. Bytes that come in so are not set.
     static void resize(Block& block, std::uint32_t size);
 
@@ -40,8 +44,11 @@ class RecordPool {
     struct FreeBlock {
         FreeBlock* next;
     };
+    struct Free {
+        void operator()(std::byte* chunk) const;
+    };
     struct Chunk {
-        std::unique_ptr<std::byte[]> bytes;
+        std::unique_ptr<std::byte[], Free> bytes;
         std::size_t size;
     };
 

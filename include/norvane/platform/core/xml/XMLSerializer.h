@@ -48,7 +48,8 @@ class QVT_CORE_API XMLSerializer {
     /// Several calls in a row make one run of text. Null is the empty text.
     void addCharacterData(const tWChar* text);
     void addCharacterData(const tWChar* text, std::size_t length);
-    /// Text of ASCII characters that need no escape: numbers, blanks, Base64. They are not looked at.
+    /// Text of ASCII characters that need no escape: numbers, blanks, Base64. They are not looked at, so that
+    /// a long text costs little more than its copy.
     void addPlainText(std::string_view text);
     /// Closes the innermost open element; ignored if there is none.
     void endElement(bool unused);

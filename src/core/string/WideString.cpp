@@ -38,9 +38,8 @@ const tWChar* makeText(const tWChar* text, std::size_t length) {
     return units;
 }
 
-const tWChar* shareText(const tWChar* text) {
+void share(const tWChar* text) {
     if (text) headerOf(text)->references.fetch_add(1, std::memory_order_relaxed);
-    return text;
 }
 
 }  // namespace
@@ -52,7 +51,7 @@ WideString::WideString(const tWChar* text, std::size_t length) {
     if (text) text_ = makeText(text, length);
 }
 
-WideString::WideString(const WideString& other) noexcept : IString() { text_ = shareText(other.text_); }
+WideString::WideString(const WideString& other) noexcept : IString(other) { share(text_); }
 
 WideString::WideString(WideString&& other) noexcept { text_ = std::exchange(other.text_, nullptr); }
 

@@ -181,6 +181,7 @@ TEST(WideStringTest, EqualityComparesTextAndKnowsNullFromEmpty) {
     EXPECT_TRUE(WideString() == nullptr);
     EXPECT_TRUE(WideString() == WideString());
     EXPECT_FALSE(WideString() == u"");
+    EXPECT_FALSE(WideString() == WideString(u""));
     EXPECT_FALSE(WideString(u"") == nullptr);
 }
 

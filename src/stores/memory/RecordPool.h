@@ -57,7 +57,7 @@ class RecordPool {
     void addChunk();
     void keep(std::byte* bytes, std::uint32_t capacity);
 
-    static constexpr std::uint32_t kUnit = 16;
+    static constexpr std::uint32_t kUnit = 8;
     static constexpr std::uint32_t kLargestSmall = 1024;
 
     std::array<FreeBlock*, kLargestSmall / kUnit + 1> free_{};

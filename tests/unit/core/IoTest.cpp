@@ -262,8 +262,11 @@ TEST_F(FileWriterTest, FileThatCannotTakeItsPlaceIsAFailure) {
     EXPECT_EQ(fileCount(), 1u);
 }
 
-TEST_F(FileWriterTest, FullDiskIsAFailureAndKeepsTheOldFile) {
-    FileWriter writer("/dev/full");
+// By descriptor, never by path: a writer with a fault in it would put a file in the place of the device.
+TEST_F(FileWriterTest, FullDiskIsAFailure) {
+    const int descriptor = ::open("/dev/full", O_WRONLY);
+    ASSERT_NE(descriptor, -1);
+    FileWriter writer(descriptor);
     ASSERT_TRUE(writer.open());
 
     EXPECT_EQ(writer.write("x", 1), 0u);
@@ -272,6 +275,7 @@ TEST_F(FileWriterTest, FullDiskIsAFailureAndKeepsTheOldFile) {
     writer.close();
     EXPECT_TRUE(writer.failed());
     EXPECT_EQ(writer.error(), "No space left on device");
+    ::close(descriptor);
 }
 
 TEST_F(FileWriterTest, NothingIsPutInPlaceAfterAFailedWrite) {
@@ -288,15 +292,22 @@ TEST_F(FileWriterTest, NothingIsPutInPlaceAfterAFailedWrite) {
     EXPECT_EQ(fileCount(), 1u);
 }
 
-TEST_F(FileWriterTest, DeviceIsWrittenInPlace) {
-    FileWriter writer("/dev/null");
+TEST_F(FileWriterTest, WhatIsNoPlainFileIsWrittenInPlace) {
+    ASSERT_EQ(::mkfifo(path("pipe").c_str(), 0600), 0);
+    const int reading = ::open(path("pipe").c_str(), O_RDONLY | O_NONBLOCK);
+    FileWriter writer(path("pipe"));
     ASSERT_TRUE(writer.open());
-    EXPECT_EQ(writer.write("x", 1), 1u);
+    EXPECT_EQ(writer.write("contents", 8), 8u);
 
     writer.close();
 
     EXPECT_FALSE(writer.failed());
-    EXPECT_TRUE(fs::is_character_file("/dev/null"));
+    EXPECT_TRUE(fs::is_fifo(path("pipe")));
+    EXPECT_EQ(fileCount(), 1u);
+    std::array<char, 16> received{};
+    EXPECT_EQ(::read(reading, received.data(), received.size()), 8);
+    EXPECT_STREQ(received.data(), "contents");
+    ::close(reading);
 }
 
 TEST_F(FileWriterTest, BorrowedDescriptorIsWrittenAndStaysOpen) {

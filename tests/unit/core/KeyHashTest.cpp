@@ -2,6 +2,7 @@
 
 #include <string>
 #include <string_view>
+#include <unordered_map>
 
 #include "norvane/platform/core/Compare.h"
 #include "norvane/platform/core/string/KeyHash.h"
@@ -49,6 +50,22 @@ TEST(KeyHashTest, OnlyTheFirstHalfOfAWideKeyCounts) {
     EXPECT_EQ(keyHashOf(u"abXY"), keyHashOf(u"abcd"));
     EXPECT_NE(keyHashOf(u"aXcd"), keyHashOf(u"abcd"));
     EXPECT_FALSE(tWCharCompareEqual()(u"abXY", u"abcd"));
+}
+
+struct KeyHash {
+    std::size_t operator()(const tWChar* key) const { return keyHashOf(key); }
+};
+
+TEST(KeyHashTest, MapTellsKeysOfOneHashApart) {
+    std::unordered_map<const tWChar*, int, KeyHash, tWCharCompareEqual> map;
+    map[u"abcd"] = 1;
+    map[u"abXY"] = 2;
+
+    map.erase(u"abcd");
+
+    EXPECT_EQ(map.count(std::u16string(u"abcd").c_str()), 0u);
+    EXPECT_EQ(map[std::u16string(u"abXY").c_str()], 2);
+    EXPECT_EQ(map.count(u"abZZ"), 0u);
 }
 
 TEST(KeyHashTest, WideKeysOfOddLengthEndInHalfACodeUnit) {

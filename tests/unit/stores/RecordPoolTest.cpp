@@ -37,7 +37,7 @@ TEST(RecordPoolTest, ReleasedBlockComesBack) {
 
     pool.release(block);
 
-    block = pool.take(50);
+    block = pool.take(58);
     EXPECT_EQ(block.bytes, bytes);
     pool.release(block);
 }

@@ -1,0 +1,33 @@
+// A bar on standard error for what takes longer than a second.
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <string>
+
+namespace qvt {
+
+// Draws itself again on `reached`, on a terminal only, and is wiped out when it goes.
+class Progress {
+  public:
+    Progress(std::string label, std::uint64_t total, bool isQuiet);
+    Progress(const Progress&) = delete;
+    Progress& operator=(const Progress&) = delete;
+    ~Progress() { clear(); }
+
+    void reached(std::uint64_t done);
+
+    // Wipes out the bar that is drawn, if any, ahead of a message.
+    static void clear();
+
+  private:
+    void draw(std::uint64_t percent);
+
+    std::string label_;
+    std::uint64_t total_;
+    bool isShown_;
+    std::chrono::steady_clock::time_point start_;
+    std::uint64_t drawn_ = 101;
+};
+
+}  // namespace qvt

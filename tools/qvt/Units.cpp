@@ -1,0 +1,49 @@
+#include "Units.h"
+
+#include <cstdio>
+#include <unordered_map>
+
+#include "norvane/platform/data/format/xml/UnitTable.h"
+
+namespace qvt {
+
+namespace {
+
+using norvane::platform::data::format::xml::dimensionKeyOf;
+using norvane::platform::data::format::xml::kDimensionTable;
+using norvane::platform::data::format::xml::kUnitTable;
+using norvane::platform::data::format::xml::tUnit;
+
+using Names = std::unordered_map<std::uint32_t, const char*>;
+
+// Of two names for one id, the first is the one that documents get.
+Names namesOf(const tUnit* rows) {
+    Names names;
+    for (; rows->name; ++rows) names.emplace(rows->id, rows->name);
+    return names;
+}
+
+std::string nameIn(const Names& names, std::uint32_t id) {
+    const auto found = names.find(id);
+    return found == names.end() ? hexadecimal(id) : found->second;
+}
+
+}  // namespace
+
+std::string unitName(std::uint32_t id) {
+    static const Names names = namesOf(kUnitTable);
+    return id == 0 ? std::string() : nameIn(names, id);
+}
+
+std::string dimensionName(std::uint32_t id) {
+    static const Names names = namesOf(kDimensionTable);
+    return nameIn(names, dimensionKeyOf(id));
+}
+
+std::string hexadecimal(std::uint32_t number) {
+    char text[16];
+    std::snprintf(text, sizeof text, "0x%04x", number);
+    return text;
+}
+
+}  // namespace qvt

@@ -1,0 +1,90 @@
+// qvt dump STORE OFFSET | --all
+#include "records/Dump.h"
+
+#include <charconv>
+#include <cstddef>
+#include <vector>
+
+#include "Output.h"
+#include "Session.h"
+#include "Verbs.h"
+
+namespace qvt {
+
+namespace {
+
+std::vector<std::byte> recordAt(IDataStore& store, std::uint32_t offset) {
+    std::vector<std::byte> bytes(store.recordSize(offset));
+    if (!bytes.empty()) store.read(offset, bytes.data(), core::storage::datastore::kWholeRecord);
+    return bytes;
+}
+
+std::string hexadecimal(const std::vector<std::byte>& bytes) {
+    static constexpr char kDigits[] = "0123456789abcdef";
+    std::string text;
+    text.reserve(bytes.size() * 2);
+    for (const std::byte byte : bytes) {
+        text += kDigits[std::to_integer<unsigned>(byte) >> 4];
+        text += kDigits[std::to_integer<unsigned>(byte) & 0xF];
+    }
+    return text;
+}
+
+void putAll(Output& output, MemoryDataStore& store) {
+    const std::uint64_t end = store.size();
+    for (std::uint64_t i = 0; i < end; ++i) {
+        const std::vector<std::byte> bytes = recordAt(store, static_cast<std::uint32_t>(i));
+        if (bytes.empty()) continue;
+        output.line(std::to_string(i) + " " + std::to_string(bytes.size()) + " " + hexadecimal(bytes));
+    }
+}
+
+void putOne(Output& output, const std::vector<std::byte>& bytes, const std::string& offset) {
+    const data::Record::View record(bytes.data(), static_cast<std::uint32_t>(bytes.size()));
+    const data::Record::Format* format = data::Record::formatOf(record.kind());
+    output.line("record " + offset + ": " + (format ? format->name : "unknown kind") + ", " +
+                std::to_string(bytes.size()) + " bytes");
+    output.put(data::Record::dump(record));
+}
+
+std::uint32_t offsetIn(const std::string& text) {
+    const bool isHexadecimal = text.size() > 2 && text[0] == '0' && (text[1] == 'x' || text[1] == 'X');
+    const char* begin = text.data() + (isHexadecimal ? 2 : 0);
+    const char* end = text.data() + text.size();
+    std::uint32_t offset = 0;
+    const auto result = std::from_chars(begin, end, offset, isHexadecimal ? 16 : 10);
+    if (result.ec != std::errc() || result.ptr != end || begin == end)
+        throw Failure(kUsage, "error: " + text + " is no offset (a number, as 12 or 0xc)");
+    return offset;
+}
+
+int dump(const Options& options) {
+    if (options.all != options.offset.empty())
+        throw Failure(kUsage, "error: dump takes either an OFFSET or --all");
+    const std::uint32_t offset = options.all ? 0 : offsetIn(options.offset);
+    Session session(options);
+    RecordsView view(session);
+    view.closeLocator();
+    const std::vector<std::byte> bytes = recordAt(view.store(), offset);
+    if (!options.all && bytes.empty())
+        throw Failure(kMissing, session.input().name() + ": error: no record at offset " + options.offset);
+    Output output(options);
+    if (options.all)
+        putAll(output, view.store());
+    else
+        putOne(output, bytes, options.offset);
+    output.finish();
+    return session.status();
+}
+
+}  // namespace
+
+const Verb kDump{
+    "dump", "print records byte by byte",
+    "With an OFFSET: each field of that record, one a line, as byte position, width, name, value; then its\n"
+    "texts and values. With --all: every record in order of offset, one a line: offset, size in bytes,\n"
+    "bytes in hexadecimal, separated by one blank. A document's records are those that it has when read\n"
+    "into an empty store in memory; its root is at offset 0.",
+    Verb::kStore | Verb::kRecordOptions, dump};
+
+}  // namespace qvt

@@ -1,0 +1,83 @@
+// qvt export STORE [PATH]
+#include "Output.h"
+#include "Session.h"
+#include "Stack.h"
+#include "Verbs.h"
+#include "norvane/platform/data/format/xml/IXMLFrontEnd.h"
+#include "norvane/platform/data/structure/IContainerFrontEnd.h"
+
+namespace qvt {
+
+namespace {
+
+using data::format::xml::IXMLFrontEnd;
+
+void write(IDataStore& store, Output& output, ISchemaLocator* locator, std::uint32_t offset) {
+    IXMLFrontEnd::serialize(&store, &output, locator, offset);
+}
+
+// What a class gave and nobody changed is not written, as the class gives it again. A property that is
+// written without the object of that class has no class to come from.
+void makeOwn(const Object& object) {
+    Stack<Children> open;
+    if ((flagsOf(object) & metadata::kFixed) != 0) {
+        object.property->clearFlags(metadata::kInherited);
+        open.push(Children(object));
+    }
+    while (!open.isEmpty()) {
+        if (open.top().isAtEnd()) {
+            open.pop();
+            continue;
+        }
+        const Object child = open.top().take();
+        if (child.property) child.property->clearFlags(metadata::kInherited);
+        open.push(Children(child));
+    }
+}
+
+// The public interface knows no offsets, but a copy into a store of its own begins with the copied object.
+void writeCopy(const Object& object, Output& output, ISchemaLocator* locator) {
+    MemoryDataStore copies;
+    const SharedPtr<IContainer> place = structure::IContainerFrontEnd::toplevel(&copies, u"copy");
+    const auto offset = static_cast<std::uint32_t>(copies.size());
+    if (object.container)
+        place->add(object.container);
+    else
+        place->add(object.property);
+    if (object.property) makeOwn(Object(place->findProperty(object.property->name())));
+    write(copies, output, locator, offset);
+}
+
+int exportAll(Session& session, const Options& options) {
+    RecordsView view(session);
+    if (view.store().size() == 0) throw Failure(kNo, session.input().name() + ": error: nothing was read");
+    Output output(options);
+    write(view.store(), output, view.locator(), 0);
+    output.finish();
+    return session.status();
+}
+
+int exportPath(Session& session, const Options& options) {
+    ObjectsView view(session);
+    const Object object = view.get(options.path);
+    Output output(options);
+    writeCopy(object, output, view.locator());
+    output.finish();
+    return session.status();
+}
+
+int run(const Options& options) {
+    Session session(options);
+    return options.path.empty() ? exportAll(session, options) : exportPath(session, options);
+}
+
+}  // namespace
+
+const Verb kExport{
+    "export", "write a document",
+    "Writes the whole document anew, or what is at PATH as a document of its own. What came from a class\n"
+    "and was not changed is left out, and so is what documents cannot hold; floating numbers get 7 digits.\n"
+    "Exporting an export gives the same bytes.",
+    Verb::kStore | Verb::kOptionalPath, run};
+
+}  // namespace qvt

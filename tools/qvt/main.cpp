@@ -1,0 +1,51 @@
+// qvt: design data on the command line.
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <exception>
+#include <new>
+
+#include "CommandLine.h"
+#include "Messages.h"
+
+namespace {
+
+using qvt::Messages;
+
+// A file that is opened must not become standard output because that was closed.
+void occupyStandardDescriptors() {
+    int descriptor = ::open("/dev/null", O_RDONLY | O_CLOEXEC);
+    while (descriptor >= 0 && descriptor <= STDERR_FILENO) descriptor = ::open("/dev/null", O_RDONLY);
+    if (descriptor > STDERR_FILENO) ::close(descriptor);
+}
+
+int fault(const std::string& words) {
+    Messages::fail("qvt: error: " + words);
+    return qvt::kFault;
+}
+
+int run(const qvt::Command& command) {
+    try {
+        return command.verb->run(command.options);
+    } catch (const qvt::OutputClosed&) {
+        return qvt::kDone;
+    } catch (const qvt::Failure& failure) {
+        const std::string words = failure.what();
+        Messages::fail(words.rfind("error: ", 0) == 0 ? "qvt: " + words : words);
+        return failure.status();
+    } catch (const std::bad_alloc&) {
+        return fault("out of memory");
+    } catch (const std::exception& exception) {
+        return fault(exception.what());
+    }
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    occupyStandardDescriptors();
+    std::signal(SIGPIPE, SIG_IGN);  // a write tells it too
+    const qvt::Command command = qvt::commandOf(argc, argv);
+    return command.verb ? run(command) : command.status;
+}

@@ -455,6 +455,16 @@ TEST(XMLParsingLogic, EndOfAnElementThatWasNotStartedIsIgnored) {
     EXPECT_EQ(written(driven.store), "<group name=\"g\" class=\"\"/>\n");
 }
 
+TEST(XMLParsingLogic, ReservedWordsAreElementsLikeAnyOther) {
+    Driven driven;
+    driven.start("$$$$$_____empty_key");
+    driven.end();
+    driven.start("$$$$$_____deleted_key");
+    driven.end();
+    EXPECT_THAT(driven.reports.texts, ElementsAre("$$$$$_____empty_key : unknown element, skipping",
+                                                  "$$$$$_____deleted_key : unknown element, skipping"));
+}
+
 TEST(XMLParsingLogic, SkippingEndsWithTheElementThatItBeganWith) {
     Driven driven;
     driven.start("group", {"name", "g"});

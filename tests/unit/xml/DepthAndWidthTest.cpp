@@ -1,0 +1,151 @@
+// Documents of great depth, width and length.
+#include <pthread.h>
+
+#include <ctime>
+
+#include "unit/xml/Documents.h"
+
+namespace norvane::platform::data::test {
+namespace {
+
+// Runs something on a stack of that many bytes.
+template <class Work>
+void onStack(std::size_t size, Work work) {
+    pthread_attr_t attributes;
+    pthread_attr_init(&attributes);
+    ASSERT_EQ(pthread_attr_setstacksize(&attributes, size), 0);
+    pthread_t thread;
+    const auto run = [](void* argument) -> void* {
+        (*static_cast<Work*>(argument))();
+        return nullptr;
+    };
+    ASSERT_EQ(pthread_create(&thread, &attributes, run, &work), 0);
+    pthread_join(thread, nullptr);
+    pthread_attr_destroy(&attributes);
+}
+
+constexpr std::size_t kSmallStack = 256 * 1024;
+constexpr int kLevels = 100000;
+
+std::string nested(std::string_view start, int levels) {
+    std::string document = "<root name='r'>";
+    for (int i = 0; i < levels; ++i) document += start;
+    for (int i = 0; i < levels; ++i) document += "</group>";
+    return document + "</root>";
+}
+
+TEST(Depth, HundredThousandLevelsAreReadAndWrittenOnASmallStack) {
+    const std::string document = nested("<group name='g'>", kLevels);
+    MemoryDataStore store;
+    std::vector<std::string> reports;
+    std::string text;
+    onStack(kSmallStack, [&] {
+        reports = read(store, document);
+        text = written(store);
+    });
+    EXPECT_THAT(reports, IsEmpty());
+    EXPECT_EQ(store.recordCount(), 2U * kLevels + 1U);
+    std::size_t tags = 0;
+    for (std::size_t at = text.find("<group"); at != text.npos; at = text.find("<group", at + 1)) ++tags;
+    EXPECT_EQ(tags, static_cast<std::size_t>(kLevels));
+    EXPECT_EQ(openCounts(store), 0U);
+}
+
+TEST(Depth, DocumentThatBreaksOffAtThatDepthIsSurvived) {
+    std::string document = "<root name='r'>";
+    for (int i = 0; i < kLevels; ++i) document += "<group name='g'>";
+    MemoryDataStore store;
+    onStack(kSmallStack, [&] { read(store, document); });
+    EXPECT_EQ(openCounts(store), static_cast<std::uint32_t>(kLevels) + 1U);
+}
+
+TEST(Depth, SkippedLevelsAreCounted) {
+    const std::string document = inRoot(nested("<group id='g'>", kLevels) + "<group name='after'/>");
+    MemoryDataStore store;
+    std::vector<std::string> reports;
+    onStack(kSmallStack, [&] { reports = read(store, document); });
+    EXPECT_THAT(reports, ElementsAre("root : could not nest the element"));
+    EXPECT_NE(Metadata::resolvePath(&store, 0, u"after"), IDataStore::BADOFF);
+}
+
+// Time of the processor: others may use the machine meanwhile.
+template <class Work>
+double secondsOf(Work work) {
+    const std::clock_t start = std::clock();
+    work();
+    return static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC;
+}
+
+std::string siblings(int count) {
+    std::string content;
+    for (int i = 0; i < count; ++i)
+        content += "<int8 name='MaterialPropertyWithALongCommonBeginning_" + std::to_string(1000000 + i) +
+                   "'>1</int8>";
+    return inGroup(content);
+}
+
+// Eight times the work may take eight times as long; work that grows with the square would take 64 times.
+constexpr double kLinear = 20;
+
+TEST(Width, SiblingsWithALongCommonBeginningAreReadInLinearTime) {
+    const std::string few = siblings(12500);
+    const std::string many = siblings(100000);
+    const double ratio =
+        secondsOf([&] { Document document(many); }) / secondsOf([&] { Document document(few); });
+    EXPECT_LT(ratio, kLinear);
+}
+
+TEST(Width, SiblingsAreWrittenInLinearTime) {
+    Document few(siblings(12500));
+    Document many(siblings(100000));
+    const double ratio = secondsOf([&] { many.written(); }) / secondsOf([&] { few.written(); });
+    EXPECT_LT(ratio, kLinear);
+}
+
+TEST(Width, ObjectsWithoutAClassAreReadInLinearTimeByALocator) {
+    const auto document = [](int count) {
+        std::string content;
+        for (int i = 0; i < count; ++i) content += "<group name='g" + std::to_string(i) + "' class=''/>";
+        return inRoot(content);
+    };
+    const auto work = [](const std::string& text) {
+        MemoryDataStore store;
+        const SharedPtr<ISchemaLocator> locator = ISchemaLocator::make(&store);
+        EXPECT_THAT(read(store, text, locator.get()), IsEmpty());
+    };
+    const std::string few = document(4000);
+    const std::string many = document(32000);
+    EXPECT_LT(secondsOf([&] { work(many); }) / secondsOf([&] { work(few); }), kLinear);
+}
+
+std::string numbers(int count) {
+    std::string text;
+    for (int i = 0; i < count; ++i) text += std::to_string(i % 1000) + " ";
+    return inGroup("<int32 name='i'>" + text + "</int32>");
+}
+
+TEST(Length, AMillionNumbersAreReadAndWrittenInLinearTime) {
+    const std::string few = numbers(125000);
+    const std::string many = numbers(1000000);
+    const double ratio =
+        secondsOf([&] { Document document(many); }) / secondsOf([&] { Document document(few); });
+    EXPECT_LT(ratio, kLinear);
+    Document document(many);
+    EXPECT_EQ(document.values<std::int32_t>("g.i").size(), 1000000U);
+    EXPECT_EQ(document.values<std::int32_t>("g.i")[999999], 999);
+    EXPECT_EQ(Document(document.written()).values<std::int32_t>("g.i"), document.values<std::int32_t>("g.i"));
+}
+
+TEST(Length, ManyStringsOfOneValueAreWrittenInLinearTime) {
+    const auto made = [](std::uint32_t count) {
+        auto document = std::make_unique<Document>(inGroup("<string name='s'/>"));
+        Design::Primitive(&document->store, document->at("g.s")).resize(count);
+        return document;
+    };
+    const auto few = made(12500);
+    const auto many = made(100000);
+    EXPECT_LT(secondsOf([&] { many->written(); }) / secondsOf([&] { few->written(); }), kLinear);
+}
+
+}  // namespace
+}  // namespace norvane::platform::data::test

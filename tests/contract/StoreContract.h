@@ -426,6 +426,7 @@ TYPED_TEST_P(StoreContract, ChangeStampMovesWithEveryChangeButBookkeeping) {
     EXPECT_TRUE(changes([&] { this->extend(offset, "more"); }));
     EXPECT_TRUE(changes([&] { this->write(offset, "written"); }));
     EXPECT_FALSE(changes([&] { this->write(offset, "Written", false); }));
+    EXPECT_FALSE(changes([&] { this->write(offset, "of another size", false); }));
     if (store.patch(offset, 0, "w", 1, true)) {
         EXPECT_TRUE(changes([] {}));
         EXPECT_FALSE(changes([&] { store.patch(offset, 0, "W", 1, false); }));

@@ -247,15 +247,18 @@ TEST_F(LayoutTest, OtherKindsOfChildrenAreSkipped) {
     EXPECT_THAT(fieldsOf(layout(u"T")), ElementsAre(FieldRow{u"n", kInt32, 1, 0, 4}));
 }
 
+// Members are counted by name and then taken from the list by index.
 TEST_F(LayoutTest, SiblingsOfOneNameCostTheLastOnesTheirFields) {
     const Offset table = build_.table(0, u"T");
-    build_.primitive(table, kInt32, u"n");
-    const Offset twin = Design::Primitive(&store_, kInt16, u"n").offset();
-    build_.listAnyway(table, twin);
-    build_.primitive(table, kInt8, u"last");
+    for (const Offset set : {build_.table(table, u"nested"), table}) {
+        build_.primitive(set, kInt32, u"n");
+        build_.listAnyway(set, Design::Primitive(&store_, kInt16, u"n").offset());
+        build_.primitive(set, kInt8, u"last");
+    }
 
     EXPECT_THAT(fieldsOf(layout(u"T")),
-                ElementsAre(FieldRow{u"n", kInt32, 1, 0, 4}, FieldRow{u"n", kInt16, 0, 4, 0}));
+                ElementsAre(FieldRow{u"nested.n", kInt32, 1, 0, 4}, FieldRow{u"nested.n", kInt16, 0, 4, 0},
+                            FieldRow{u"n", kInt32, 1, 4, 4}, FieldRow{u"n", kInt16, 0, 8, 0}));
 }
 
 TEST_F(LayoutTest, FieldByNameTakesTheFlattenedName) {

@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <array>
 #include <functional>
 #include <string>
 #include <utility>
@@ -117,19 +118,22 @@ TEST(SchemaLocatorImpl, PathToAPrimitiveOrContainerDoesNotMatch) {
     EXPECT_EQ(type(locator, u"number.x"), nullptr);
 }
 
+// In whatever order the stores are asked.
 TEST(SchemaLocatorImpl, StoreWhereThePathIsNoTableDoesNotStopTheSearch) {
-    MemoryDataStore first, second, third;
-    Builder(first).container(0, u"T");
-    Builder(second).primitive(0, kInt32, u"T");
-    Builder(third).table(0, u"T");
-    const auto locator = ISchemaLocator::make(&first);
-    locator->addStore(&second);
-    locator->addStore(&third);
+    MemoryDataStore group, number, table;
+    Builder(group).container(0, u"T");
+    Builder(number).primitive(0, kInt32, u"T");
+    Builder(table).table(0, u"T");
+    for (auto order : {std::array{&group, &number, &table}, std::array{&table, &group, &number},
+                       std::array{&number, &table, &group}}) {
+        const auto locator = ISchemaLocator::make(nullptr);
+        for (MemoryDataStore* store : order) locator->addStore(store);
 
-    const auto schema = type(locator, u"T");
+        const auto schema = type(locator, u"T");
 
-    ASSERT_THAT(layoutNames(schema), ElementsAre(u"T"));
-    EXPECT_EQ(layoutsOf(schema).front()->table().store(), &third);
+        ASSERT_THAT(layoutNames(schema), ElementsAre(u"T"));
+        EXPECT_EQ(layoutsOf(schema).front()->table().store(), &table);
+    }
 }
 
 TEST(SchemaLocatorImpl, DottedNamesResolveThroughTablesAndContainers) {

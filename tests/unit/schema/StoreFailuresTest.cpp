@@ -125,6 +125,26 @@ TEST_P(StoreFailures, FailureWhileClosingDuringAnotherExceptionIsDropped) {
     EXPECT_THROW(leaveWithAnException(), std::bad_alloc);
 }
 
+// Types found while an exception is under way do not know that it is one when they are closed by it.
+TEST_P(StoreFailures, FailureWhileClosingWhatTheExceptionHasOpenedIsDroppedToo) {
+    struct LocateAtTheEnd {
+        Types& types;
+        ThrowingStore& store;
+        ~LocateAtTheEnd() {
+            types.locator->locate(u"T;S");
+            store.throwFrom(1);
+        }
+    };
+    MemoryDataStore memory;
+    ThrowingStore store(memory, GetParam());
+    const auto leaveWithAnException = [&] {
+        Types types(store);
+        const LocateAtTheEnd atTheEnd{types, store};
+        throw std::bad_alloc();
+    };
+    EXPECT_THROW(leaveWithAnException(), std::bad_alloc);
+}
+
 class ThrowingGuardStore : public MemoryDataStore {
   public:
     struct ThrowingGuard : Guard {

@@ -3,6 +3,7 @@
 
 #include <array>
 #include <functional>
+#include <optional>
 #include <string>
 #include <utility>
 
@@ -404,6 +405,21 @@ TEST(SchemaLocatorImpl, StoreMayGoOnceItIsRemoved) {
     EXPECT_THAT(layoutNames(type(locator, u"Gone;Kept;Unknown")), ElementsAre(u"Kept"));
 }
 
+TEST(SchemaLocatorImpl, AnotherStoreMayComeToStandWhereARemovedOneStood) {
+    std::optional<MemoryDataStore> store(std::in_place);
+    Builder(*store).table(0, u"Other");
+    const auto locator = ISchemaLocator::make(&*store);
+    EXPECT_EQ(type(locator, u"T"), nullptr);
+
+    locator->removeStore(&*store);
+    store.emplace();
+    Builder(*store).table(0, u"T");
+    locator->addStore(&*store);
+
+    EXPECT_THAT(layoutNames(type(locator, u"T")), ElementsAre(u"T"));
+    locator->removeStore(&*store);
+}
+
 TEST(SchemaLocatorImpl, NoGuardIsTaken) {
     LoggingStore store;
     Builder build(store);
@@ -551,6 +567,60 @@ TEST_F(TwoThatMissedAtOnce, TheStoreMayComeBack) {
 
     EXPECT_THAT(layoutNames(locator_->locate(u"T")), ElementsAre(u"T"));
     EXPECT_EQ(openCount(memory_, table_), 1u);
+}
+
+// The one that was overtaken has looked in another store than the one that overtook it.
+class TwoThatMissedAtOnceInTwoStores : public testing::Test {
+  public:
+    ~TwoThatMissedAtOnceInTwoStores() noexcept override = default;
+
+  protected:
+    void SetUp() override {
+        earlierTable_ = Builder(earlier_).table(0, u"T");
+        laterTable_ = Builder(memory_).table(0, u"T");
+        locator_ = ISchemaLocator::make(&later_);
+        later_.askOnceOn("size", [this] {
+            locator_->removeStore(&later_);
+            locator_->addStore(&earlier_);
+            locator_->locate(u"T");
+            locator_->addStore(&later_);
+        });
+        cached_ = locator_->locate(u"T")->layout();
+    }
+
+    MemoryDataStore earlier_, memory_;
+    AskingStore later_{memory_};
+    Offset earlierTable_ = 0, laterTable_ = 0;
+    SharedPtr<ISchemaLocator> locator_;
+    IStructLayout* cached_ = nullptr;
+};
+
+TEST_F(TwoThatMissedAtOnceInTwoStores, RemovalOfTheEarlierOnesStoreKeepsTheLaterOne) {
+    EXPECT_TRUE(locator_->removeStore(&earlier_));
+
+    EXPECT_EQ(openCount(earlier_, earlierTable_), 0u);
+    EXPECT_EQ(openCount(memory_, laterTable_), 1u);
+    EXPECT_EQ(locator_->locate(u"T")->layout(), cached_);
+    // As the cache grows, it hashes all its keys again.
+    Metadata::Root root(&later_, 0);
+    for (char16_t name = u'\u1000'; name < u'\u1258'; ++name) {
+        const std::u16string text(1, name);
+        root.addChild(Design::Table(&later_, text).offset());
+        ASSERT_NE(locator_->locate(text.c_str()), nullptr);
+    }
+    EXPECT_EQ(locator_->locate(u"T")->layout(), cached_);
+}
+
+TEST_F(TwoThatMissedAtOnceInTwoStores, RemovalOfTheLaterOnesStoreFreesTheName) {
+    EXPECT_TRUE(locator_->removeStore(&later_));
+
+    EXPECT_EQ(openCount(memory_, laterTable_), 0u);
+    const auto schema = locator_->locate(u"T");
+    ASSERT_EQ(layoutNames(schema).size(), 1u);
+    EXPECT_EQ(layoutsOf(schema).front()->table().store(), &earlier_);
+
+    EXPECT_TRUE(locator_->removeStore(&earlier_));
+    EXPECT_EQ(openCount(earlier_, earlierTable_), 0u);
 }
 
 }  // namespace

@@ -33,6 +33,7 @@ add_compile_definitions($<$<NOT:$<CONFIG:Release>>:_GLIBCXX_ASSERTIONS>)
 string(REPLACE ";" "," qvtSanitizers "${QVT_SANITIZE}")
 if(qvtSanitizers)
     add_compile_options(-fsanitize=${qvtSanitizers} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    add_compile_options("$<$<CXX_COMPILER_ID:Clang>:-fsanitize-ignorelist=${PROJECT_SOURCE_DIR}/cmake/clang.ignorelist>")
     add_link_options(-fsanitize=${qvtSanitizers})
 else()
     # The sanitizers leave their own symbols open until load time; nothing else may.

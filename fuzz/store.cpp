@@ -3,10 +3,9 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <string_view>
 #include <vector>
 
-#include "norvane/platform/core/io/MemoryReader.h"
+#include "norvane/platform/core/io/FileReader.h"
 #include "norvane/platform/core/storage/datastore/MemoryDataStore.h"
 #include "norvane/platform/data/format/xml/IXMLFrontEnd.h"
 #include "norvane/platform/data/metadata/IPrimitive.h"
@@ -26,23 +25,6 @@ using data::metadata::ITable;
 using data::structure::IContainer;
 
 namespace {
-
-constexpr std::string_view kDocument = R"(<?xml version="1.0"?>
-<root name="root" version="1">
-  <group name="types">
-    <table name="Point"><double name="x">0</double><int32 name="y">1 2 3</int32></table>
-  </group>
-  <group name="model">
-    <name locale="de">Modell</name>
-    <string name="text" locale="de"><val>eins</val><val>zwei</val></string>
-    <double name="list" units="metre">1 2 3 4</double>
-    <uri name="elsewhere" uri="file.bin"/>
-    <table name="table" class="types.Point"><default unit="metre" type="double"/><int32 name="inner">7</int32></table>
-    <node name="node" class="types.Point"><group name="deep"><bool name="flag">1</bool></group></node>
-    <struct name="struct" type="types.Point" dim="2">1 2 3 4 5 6 7 8</struct>
-    <link name="link" to="model.node"/>
-  </group>
-</root>)";
 
 /// Knows the offset of each of its records.
 class ListedStore : public core::storage::datastore::MemoryDataStore {
@@ -118,7 +100,7 @@ struct Look {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
     ListedStore store;
-    core::io::MemoryReader reader(kDocument);
+    core::io::FileReader reader(QVT_FUZZ_MODEL);
     auto locator = data::metadata::ISchemaLocator::make(&store);
     data::format::xml::IXMLFrontEnd::parse(&store, &reader, locator.get(), nullptr, nullptr);
     damage(store, bytes, size);

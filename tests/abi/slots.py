@@ -5,7 +5,7 @@ usage: slots.py [--write]
 A host was compiled against that order: what is there keeps its place, and new operations go last. --write replaces the
 texts; read the difference before it is committed.
 """
-import difflib, pathlib, re, shutil, subprocess, sys
+import difflib, pathlib, re, shutil, subprocess, sys, tempfile
 
 root = pathlib.Path(__file__).resolve().parents[2]
 kept = root / "cmake/abi/slots"
@@ -15,8 +15,9 @@ qualifier = re.compile(r"(\w+(<[^<>]*>)?::)+(?=\w)")
 def layouts():
     """The compiler's own print of the tables of tests/abi/slots.cpp."""
     command = ["clang++", "-std=c++17", "-I", root / "include", "-Xclang", "-fdump-vtable-layouts"]
-    command += ["-c", root / "tests/abi/slots.cpp", "-o", "/dev/null"]
-    result = subprocess.run(command, stdout=subprocess.PIPE, text=True)
+    with tempfile.TemporaryDirectory() as folder:
+        command += ["-c", root / "tests/abi/slots.cpp", "-o", pathlib.Path(folder) / "slots.o"]
+        result = subprocess.run(command, stdout=subprocess.PIPE, text=True)
     return result.stdout if result.returncode == 0 else sys.exit("the public headers do not compile")
 
 

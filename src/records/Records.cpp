@@ -31,6 +31,17 @@ Block readWhole(IDataStore* store, std::uint32_t offset, std::uint32_t& size) {
     return block;
 }
 
+// Gives the place behind the copy. A null `from` has size 0.
+std::byte* copyBytes(std::byte* to, const void* from, std::uint64_t size) {
+    if (size != 0) std::memcpy(to, from, size);
+    return to + size;
+}
+
+bool hasSection(const Format& format, U32 sizeField) {
+    return std::any_of(format.sections.begin(), format.sections.end(),
+                       [&](const SectionRow& row) { return row.sizePosition == sizeField.position; });
+}
+
 }  // namespace
 
 std::uint8_t kindOf(IDataStore* store, std::uint32_t offset) {
@@ -90,6 +101,7 @@ void Base::grow(std::uint32_t delta) {
         if (size_ != 0) std::memcpy(larger.bytes(), bytes(), size_);
         buffer_ = std::move(larger);
     }
+    if (delta != 0) std::memset(bytes() + size_, 0, delta);
     size_ = size;
 }
 
@@ -105,45 +117,48 @@ void Base::writeBookkeeping() {
     if (size_ != 0) store_->write(offset_, bytes(), size_, false);
 }
 
-void Base::replaceSection(U32 sizeField, const void* data, std::uint64_t dataSize) {
-    const View old = view();
-    const Format* format = formatOf(old.kind());
-    if (!format || old.size() < format->fixedSize) return;
-
-    std::uint64_t size = format->fixedSize;
-    std::uint64_t oldEnd = format->fixedSize;
-    for (const SectionRow& row : format->sections) {
-        const Section kept = old.section(U32{row.sizePosition});
-        size += row.sizePosition == sizeField.position ? dataSize : kept.size;
-        oldEnd += kept.size;
-    }
-    const std::uint32_t surplus = old.size() - static_cast<std::uint32_t>(oldEnd);
-    const std::uint32_t newSize = checkedSize(size + surplus);
-
-    Block buffer(sizeClass(newSize));
-    std::byte* out = buffer.bytes();
-    const auto put = [&out](const void* from, std::uint64_t bytes) {
-        if (bytes != 0) std::memcpy(out, from, bytes);
-        out += bytes;
-    };
-    put(old.bytes(), format->fixedSize);
-    for (const SectionRow& row : format->sections) {
-        const Section kept = old.section(U32{row.sizePosition});
-        const bool isReplaced = row.sizePosition == sizeField.position;
-        const auto bytes = static_cast<std::uint32_t>(isReplaced ? dataSize : kept.size);
-        put(isReplaced ? data : kept.begin, bytes);
-        std::memcpy(buffer.bytes() + row.sizePosition, &bytes, sizeof bytes);
-    }
-    put(old.bytes() + oldEnd, surplus);
-    buffer_ = std::move(buffer);
-    size_ = newSize;
-}
-
 Entity::Entity(IDataStore* store, std::uint64_t size, Kind kind) : Base(store) {
     allocate(checkedSize(size));
     set(field::kind, static_cast<std::uint8_t>(kind));
     set(field::parent, std::uint32_t{IDataStore::BADOFF});
     set(field::locale, std::uint32_t{IDataStore::BADOFF});
+}
+
+void Entity::replaceSection(U32 sizeField, const void* data, std::uint64_t dataSize, std::uint64_t zeros) {
+    const View old = view();
+    const Format* format = formatOf(old.kind());
+    if (!format || old.size() < format->fixedSize || !hasSection(*format, sizeField)) return;
+
+    const std::uint64_t others = old.size() - old.section(sizeField).size;
+    const std::uint32_t newSize = checkedSize(others + dataSize + zeros);
+    Block buffer(sizeClass(newSize));
+    const std::byte* from = old.bytes();
+    std::byte* out = copyBytes(buffer.bytes(), from, format->fixedSize);
+    from += format->fixedSize;
+    for (const SectionRow& row : format->sections) {
+        const Section kept = old.section(U32{row.sizePosition});
+        const std::byte* begin = out;
+        if (row.sizePosition == sizeField.position)
+            out = std::fill_n(copyBytes(out, data, dataSize), zeros, std::byte{0});
+        else
+            out = copyBytes(out, kept.begin, kept.size);
+        const auto bytes = static_cast<std::uint32_t>(out - begin);
+        std::memcpy(buffer.bytes() + row.sizePosition, &bytes, sizeof bytes);
+        from += kept.size;
+    }
+    copyBytes(out, from, static_cast<std::size_t>(old.bytes() + old.size() - from));
+    buffer_ = std::move(buffer);
+    size_ = newSize;
+}
+
+void Entity::setField(U32 sizeField, const void* data, std::uint64_t dataSize, std::uint64_t zeros) {
+    replaceSection(sizeField, data, dataSize, zeros);
+    commit();
+}
+
+bool Entity::takes(U32 sizeField, std::uint64_t sectionSize) const {
+    const std::uint64_t others = size() - view().section(sizeField).size;
+    return others + sectionSize <= store_->recordLimit();
 }
 
 void Entity::putName(U32 sizeField, std::u16string_view name) {
@@ -162,16 +177,6 @@ Container::Container(IDataStore* store, std::u16string_view name)
     : Entity(store, formatOf(Kind::container).fixedSize + storedSize(name), Kind::container) {
     set(field::children, std::uint32_t{IDataStore::BADOFF});
     putName(field::containerNameSize, name);
-    commit();
-}
-
-void Container::setField(U32 sizeField, const void* data, std::uint64_t dataSize) {
-    replaceSection(sizeField, data, dataSize);
-    commit();
-}
-
-void Property::setField(U32 sizeField, const void* data, std::uint64_t dataSize) {
-    replaceSection(sizeField, data, dataSize);
     commit();
 }
 
@@ -197,6 +202,7 @@ Offsets::Offsets(IDataStore* store) : Base(store) {
 }
 
 void Offsets::setAt(std::uint32_t index, std::uint32_t value) {
+    if (size() < kOffsetsHeader) return;
     const std::uint32_t present = count();
     if (index >= present) grow(checkedSize((std::uint64_t{index} - present) * 4 + 4));
     std::memcpy(bytes() + kOffsetsHeader + std::size_t{index} * 4, &value, sizeof value);
@@ -219,7 +225,7 @@ bool Offsets::removeValue(std::uint32_t value) {
 }
 
 void Offsets::append(const std::uint32_t* values, std::size_t count) {
-    if (count == 0) return;
+    if (count == 0 || size() < kOffsetsHeader) return;
     const std::uint32_t end = kOffsetsHeader + this->count() * 4;
     const std::uint32_t size = checkedSize(std::uint64_t{end} + std::uint64_t{count} * 4);
     if (size > size_) grow(size - size_);
@@ -256,6 +262,19 @@ void storeBytes(IDataStore* store, std::uint32_t offset, std::uint64_t position,
         record.commit();
     else
         record.writeBookkeeping();
+}
+
+void addToOpenCount(IDataStore* store, std::uint32_t offset, std::uint32_t change) {
+    std::uint32_t size = 0;
+    if (const void* bytes = offset == IDataStore::BADOFF ? nullptr : store->view(offset, size)) {
+        const std::uint32_t count = View(bytes, size).load(field::openCount) + change;
+        storeField(store, offset, field::openCount, count, false);
+        return;
+    }
+    Base record(store, offset);
+    if (!isEntity(record.view().kind())) return;
+    record.set(field::openCount, record.view().load(field::openCount) + change);
+    record.writeBookkeeping();
 }
 
 }  // namespace norvane::platform::data::Record

@@ -101,7 +101,7 @@ class Base {
 
     // Drops the bytes and takes `size` zero ones.
     void allocate(std::uint32_t size);
-    // Lengthens the record; what is new reads as zero.
+    // Lengthens the record by zero bytes.
     void grow(std::uint32_t delta);
     // Appends a record that has no offset, rewrites one that has. A record that was not there stays so.
     void commit();
@@ -109,10 +109,6 @@ class Base {
     void writeBookkeeping();
 
   protected:
-    // Replaces a section in the buffer and its size field, and keeps all the others. A section that a damaged
-    // record cuts short is kept as far as it goes, and its size field then says so.
-    void replaceSection(U32 sizeField, const void* data, std::uint64_t dataSize);
-
     IDataStore* store_;
     std::uint32_t offset_;
     std::uint32_t size_ = 0;  // ahead of the buffer, whose reading sets it
@@ -122,6 +118,15 @@ class Base {
 class Entity : public Base {
   public:
     using Base::Base;
+
+    // Makes a section out of `data` and as many zero bytes behind it, in the buffer, and keeps all the
+    // others. `sizeField` is one of the record's own kind. A section that a damaged record cuts short is kept
+    // as far as it goes, and its size field then says so. `data` may lie in this record's buffer.
+    void replaceSection(U32 sizeField, const void* data, std::uint64_t dataSize, std::uint64_t zeros = 0);
+    // The same, and commits.
+    void setField(U32 sizeField, const void* data, std::uint64_t dataSize, std::uint64_t zeros = 0);
+    // Whether the store takes the record with a section of that size in place of the one it has.
+    bool takes(U32 sizeField, std::uint64_t sectionSize) const;
 
   protected:
     // A new entity of zero bytes but for kind, parent and locale. Stores nothing.
@@ -141,16 +146,12 @@ class Container : public Entity {
   public:
     using Entity::Entity;
     Container(IDataStore* store, std::u16string_view name);
-    // `sizeField` is `containerNameSize`, `classTextSize` or `linkTargetSize`. Commits.
-    void setField(U32 sizeField, const void* data, std::uint64_t dataSize);
 };
 
+// What a primitive and a table have in common: the unit behind the entity header.
 class Property : public Entity {
   public:
     using Entity::Entity;
-    using Entity::replaceSection;
-    // `sizeField` is one of the record's own kind. Commits.
-    void setField(U32 sizeField, const void* data, std::uint64_t dataSize);
 };
 
 class Primitive : public Property {
@@ -173,7 +174,7 @@ class Offsets : public Base {
     explicit Offsets(IDataStore* store);
 
     std::uint32_t count() const { return view().valueCount(); }
-    // Slots that are skipped over read as 0. Commits.
+    // Slots that are skipped over read as 0. Commits. Does nothing to a list that is not there.
     void setAt(std::uint32_t index, std::uint32_t value);
     // Takes out the first slot of that value, if any. Commits only then.
     bool removeValue(std::uint32_t value);
@@ -199,6 +200,9 @@ template <class T>
 void storeField(IDataStore* store, std::uint32_t offset, Field<T> field, T value, bool flag = true) {
     storeBytes(store, offset, field.position, &value, sizeof(T), flag);
 }
+
+// Adds to the open count of the entity there, if there is one.
+void addToOpenCount(IDataStore* store, std::uint32_t offset, std::uint32_t change);
 
 }  // namespace Record
 }  // namespace norvane::platform::data

@@ -48,6 +48,9 @@ class View {
 
     // True when the record is of that kind and has all of its fixed part; only then is it worth opening.
     bool isWhole(Kind kind) const;
+    // The same for whichever kind the record has, if that is one of an entity, or of one that is listed.
+    bool isWholeEntity() const { return isEntity(kind()) && isWhole(static_cast<Kind>(kind())); }
+    bool isWholeChild() const { return isChildKind(kind()) && isWholeEntity(); }
 
     // The section whose size stands in `sizeField`; empty if the format of the record's kind has none such.
     Section section(U32 sizeField) const;

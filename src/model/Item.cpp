@@ -3,8 +3,9 @@
 #include <algorithm>
 #include <exception>
 #include <limits>
+#include <memory>
+#include <unordered_set>
 
-#include "model/ParentWalk.h"
 #include "norvane/platform/core/memory/PooledHeap.h"
 
 namespace norvane::platform::data::Metadata {
@@ -56,15 +57,12 @@ void Item::bindNew(IDataStore* store, std::uint32_t offset, std::u16string_view 
 }
 
 void Item::raiseOpenCount() {
-    const std::uint32_t count = Record::Snapshot(store_, offset_)->load(field::openCount);
-    Record::storeField(store_, offset_, field::openCount, count + 1, false);
+    Record::addToOpenCount(store_, offset_, 1);
     counted_ = true;
 }
 
 void Item::lowerOpenCount() {
-    if (!counted_ || abandoned_) return;
-    const std::uint32_t count = Record::Snapshot(store_, offset_)->load(field::openCount);
-    Record::storeField(store_, offset_, field::openCount, count - 1, false);
+    if (counted_ && !abandoned_) Record::addToOpenCount(store_, offset_, std::uint32_t{0} - 1);
 }
 
 std::uint32_t Item::openCount() const {
@@ -72,12 +70,17 @@ std::uint32_t Item::openCount() const {
     return counted_ ? count : count + 1;
 }
 
+bool Item::isStored() const { return !inert_ && Record::isEntity(Record::kindOf(store_, offset_)); }
+
 std::u16string Item::path() const {
     std::vector<std::u16string> names;
-    ParentWalk walk(store_, Record::Snapshot(store_, offset_)->load(field::parent));
-    while (!inert_ && walk.isAtChildKind()) {
-        names.push_back(walk.record()->name());
-        walk.upTo(walk.parent());
+    std::unordered_set<std::uint32_t> met{offset_};
+    std::uint32_t current = Record::Snapshot(store_, offset_)->load(field::parent);
+    while (!inert_ && met.insert(current).second) {
+        const Record::Snapshot parent(store_, current);
+        if (!parent->isWholeChild()) break;
+        names.push_back(parent->name());
+        current = parent->load(field::parent);
     }
     std::u16string path;
     std::for_each(names.rbegin(), names.rend(), [&path](const auto& name) { path += name + u"."; });
@@ -98,19 +101,24 @@ void Item::clearFlags(std::uint8_t bits) {
     if (!inert_) Record::storeField(store_, offset_, field::flags, flags);
 }
 
+// A ring of parents in a damaged store ends the walk too: what it met before has lost the bit.
 void Item::touch() {
-    if (inert_) return;
-    ParentWalk walk(store_, offset_);
-    for (bool isStart = true; walk.isAtEntity(); isStart = false) {
-        const std::uint8_t flags = walk.record()->load(field::flags);
-        const std::uint32_t parent = walk.parent();
+    std::uint32_t current = inert_ ? std::uint32_t{IDataStore::BADOFF} : offset_;
+    for (bool isStart = true;; isStart = false) {
+        std::uint8_t flags = 0;
+        std::uint32_t parent = IDataStore::BADOFF;
+        {
+            const Record::Snapshot record(store_, current);
+            if (!record->isWholeEntity()) return;
+            flags = record->load(field::flags);
+            parent = record->load(field::parent);
+        }
         if (parent == IDataStore::BADOFF) return;
         const bool isInherited = (flags & Record::kInherited) != 0;
         if (!isInherited && !isStart) return;
-        if (isInherited)
-            Record::storeField(store_, walk.offset(), field::flags,
-                               static_cast<std::uint8_t>(flags & ~Record::kInherited));
-        walk.upTo(parent);
+        const auto touched = static_cast<std::uint8_t>(flags & ~Record::kInherited);
+        if (isInherited) Record::storeField(store_, current, field::flags, touched);
+        current = parent;
     }
 }
 
@@ -118,7 +126,13 @@ void Item::touch() {
 // entries is the sign of not loaded, so what was taken out in memory down to the last one comes back here.
 bool Item::loadIfStored() {
     if (localeRecord_ == IDataStore::BADOFF) return false;
-    if (entries_.empty()) loadLocalised();
+    if (!entries_.empty()) return true;
+    try {
+        loadLocalised();
+    } catch (...) {
+        dropEntries();  // some of the strings must not pass for all of them, and overwrite the rest
+        throw;
+    }
     return true;
 }
 
@@ -128,11 +142,11 @@ LocalisedEntry* Item::entryOf(std::u16string_view locale) const {
 }
 
 void Item::addEntry(std::u16string_view locale, std::u16string_view text) {
-    entries_.reserve(entries_.size() + 1);
     auto entry = std::make_unique<LocalisedEntry>(LocalisedEntry{
         std::u16string(locale), std::u16string(text), static_cast<std::uint32_t>(entries_.size())});
-    localeIndex_.insert(entry->locale, entry.get());
-    entries_.push_back(entry.release());
+    entries_.push_back(entry.get());
+    LocalisedEntry* added = entry.release();
+    localeIndex_.insert(added->locale, added);
 }
 
 void Item::removeEntry(LocalisedEntry* entry) {
@@ -203,32 +217,26 @@ void Item::loadLocalised() {
     }
 }
 
-std::uint32_t Item::cloneLocale(IDataStore* target) const {
-    const Record::Base record(store_, localeRecord_);
-    if (!record.view().isWhole(Record::Kind::locale)) return IDataStore::BADOFF;
-    return target->append(record.view().bytes(), record.size());
+bool Item::isLocale(std::uint32_t offset) const {
+    return Record::Snapshot(store_, offset)->isWhole(Record::Kind::locale);
 }
 
 void Item::eraseLocale() {
     if (localeRecord_ == IDataStore::BADOFF) return;
-    store_->remove(localeRecord_);
+    if (isLocale(localeRecord_)) store_->remove(localeRecord_);
     dropEntries();
     localeRecord_ = IDataStore::BADOFF;
 }
 
 // Where the strings go: another object on the entity may have made the record since this one was opened.
 std::uint32_t Item::storedLocaleRecord() const {
-    const auto isLocale = [this](std::uint32_t offset) {
-        return Record::Snapshot(store_, offset)->isWhole(Record::Kind::locale);
-    };
     if (isLocale(localeRecord_)) return localeRecord_;
     const std::uint32_t stored = Record::Snapshot(store_, offset_)->load(field::locale);
     return isLocale(stored) ? stored : std::uint32_t{IDataStore::BADOFF};
 }
 
 void Item::storeLocalised() {
-    if (!dirty_ || entries_.empty() || inert_ || abandoned_) return;
-    if (!Record::isEntity(Record::Snapshot(store_, offset_)->kind())) return;
+    if (!dirty_ || entries_.empty() || abandoned_ || !isStored()) return;
     std::u16string payload;
     for (const LocalisedEntry* entry : entries_) {
         payload.append(entry->locale).push_back(u'\0');

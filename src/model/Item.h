@@ -60,7 +60,8 @@ class Item {
     const std::u16string& name() const { return name_; }
     bool isInert() const { return inert_; }
 
-    // The dotted path below the root: the parents' names as stored now, this one's as it was at opening.
+    // The dotted path below the root: the parents' names as stored now, this one's as it was at opening. It
+    // begins where a parent is missing, or was met before.
     std::u16string path() const;
 
     std::uint8_t flags() const;
@@ -83,8 +84,6 @@ class Item {
     std::u16string textAt(std::uint32_t index);
     std::u16string localised(std::u16string_view locale);
 
-    void loadLocalised();
-    std::uint32_t cloneLocale(IDataStore* target) const;
     void eraseLocale();
 
     // Closing will write nothing: the open count stays raised, and unsaved strings are lost.
@@ -99,16 +98,20 @@ class Item {
     void raiseOpenCount();
     // The count in the record, as if this object were in it.
     std::uint32_t openCount() const;
-    void forgetLocaleRecord() { localeRecord_ = IDataStore::BADOFF; }
+    // False for an inert object, and once the record was removed behind this one.
+    bool isStored() const;
+    std::uint32_t localeRecord() const { return localeRecord_; }
 
   private:
     LocalisedEntry* entryOf(std::u16string_view locale) const;
     bool loadIfStored();
+    void loadLocalised();
     void addEntry(std::u16string_view locale, std::u16string_view text);
     void removeEntry(LocalisedEntry* entry);
     void dropEntries();
     void lowerOpenCount();
     void storeLocalised();
+    bool isLocale(std::uint32_t offset) const;
     std::uint32_t storedLocaleRecord() const;
 
     IDataStore* store_ = nullptr;

@@ -27,7 +27,9 @@ Container::Container(IDataStore* store, std::uint32_t kind, std::u16string_view 
 }
 
 std::uint32_t Container::clone(IDataStore* target) {
-    return Metadata::cloneSubtree(store(), offset(), target);
+    if (isInert()) return IDataStore::BADOFF;
+    return Metadata::cloneSubtree(store(), offset(), {localeRecord(), childrenRecord(), IDataStore::BADOFF},
+                                  target);
 }
 
 void Container::setLinkTarget(const tWChar* path) {

@@ -73,12 +73,12 @@ std::uint32_t resolvePath(IDataStore* store, std::uint32_t start, std::u16string
         isLast = dot == path.npos;
         const std::u16string_view part = path.substr(0, dot);
         if (!isLast) path.remove_prefix(dot + 1);
-        if (isSet(Record::kindOf(store, current))) {
+        const std::uint8_t kind = Record::kindOf(store, current);
+        if (isSet(kind))
             current = findChild(store, current, part);
-            hasFailed = current == IDataStore::BADOFF;
-        } else {
-            hasFailed = true;
-        }
+        else if (kind == Record::kNoKind)
+            current = IDataStore::BADOFF;
+        hasFailed = !isSet(kind) || current == IDataStore::BADOFF;
     }
     return current;
 }

@@ -9,6 +9,20 @@ namespace norvane::platform::data::Metadata {
 
 namespace field = Record::field;
 
+namespace {
+
+// The field is four times as long as the text needs; what lies behind the text is zero. False when such a
+// field does not fit.
+bool storeName(Record::Entity& record, std::u16string_view name) {
+    const Record::U32 sizeField = Record::nameSizeField(static_cast<Record::Kind>(record.view().kind()));
+    const std::uint64_t size = Record::storedSize(name);
+    if (!record.takes(sizeField, size * 4)) return false;
+    record.setField(sizeField, name.data(), size - 2, size * 3 + 2);
+    return true;
+}
+
+}  // namespace
+
 Set::Set() noexcept : childrenRecord_(IDataStore::BADOFF) {}
 
 Set::~Set() { dropIndex(); }
@@ -19,13 +33,15 @@ void Set::indexChildren(Opening opening) {
 }
 
 void Set::loadChildren() {
-    indexed_ = true;
+    indexed_ = false;  // until the index is complete the list answers
+    dropIndex();
     const Record::Snapshot list(store(), childrenRecord_);
-    if (!list->isWhole(Record::Kind::offsets)) return;
-    for (std::uint32_t i = 0; i < list->valueCount(); ++i) {
+    const std::uint32_t count = list->isWhole(Record::Kind::offsets) ? list->valueCount() : 0;
+    for (std::uint32_t i = 0; i < count; ++i) {
         const Record::Snapshot child(store(), list->value(i));
         if (Record::isChildKind(child->kind())) insert(list->value(i), child->name());
     }
+    indexed_ = true;
 }
 
 // The first of equal names stays; the later one's entry is not kept.
@@ -40,7 +56,7 @@ void Set::dropIndex() {
 }
 
 void Set::reloadChildren() {
-    dropIndex();
+    indexed_ = false;
     bindChildren(*Record::Snapshot(store(), offset()));
     loadChildren();
 }
@@ -78,12 +94,11 @@ std::vector<std::uint32_t> Set::countedChildren() {
 }
 
 bool Set::addChild(std::uint32_t offset) {
-    if (isInert()) return false;
+    if (!isStored()) return false;
     std::u16string name;
     {
         const Record::Snapshot child(store(), offset);
-        const std::uint8_t kind = child->kind();
-        if (!Record::isChildKind(kind) || !child->isWhole(static_cast<Record::Kind>(kind))) return false;
+        if (!child->isWholeChild()) return false;
         name = child->name();
     }
     if (find(name) != IDataStore::BADOFF) return false;
@@ -94,9 +109,10 @@ bool Set::addChild(std::uint32_t offset) {
 }
 
 // Another object may have made the list since this one was opened; a second list would lose its children.
+// Only the kind is read: the list may be long, and it is asked for at each new child.
 bool Set::adoptList() {
     const auto isList = [this](std::uint32_t record) {
-        return Record::Snapshot(store(), record)->isWhole(Record::Kind::offsets);
+        return Record::kindOf(store(), record) == static_cast<std::uint8_t>(Record::Kind::offsets);
     };
     if (isList(childrenRecord_)) return true;
     childrenRecord_ = Record::Snapshot(store(), offset())->load(field::children);
@@ -137,14 +153,10 @@ bool Set::renameChild(std::u16string_view oldName, std::u16string_view newName) 
     if (find(newName) != IDataStore::BADOFF) return false;
     const std::uint32_t child = find(oldName);
     if (child == IDataStore::BADOFF) return false;
-    const std::uint8_t kind = Record::kindOf(store(), child);
-    if (Record::isChildKind(kind)) {
-        Record::Property record(store(), child);
+    Record::Entity record(store(), child);
+    if (Record::isChildKind(record.view().kind())) {
         if ((record.view().load(field::flags) & Record::kFixed) != 0) return false;
-        // The field is four times as long as the text needs; what lies behind the text is zero.
-        const std::u16string padded = std::u16string(newName) + std::u16string(newName.size() * 3 + 4, u'\0');
-        record.setField(Record::nameSizeField(static_cast<Record::Kind>(kind)), padded.data(),
-                        std::uint64_t{padded.size()} * 2);
+        if (!storeName(record, newName)) return false;
     }
     if (ChildEntry* const* found = index_.find(oldName)) {
         std::unique_ptr<ChildEntry> entry(*found);
@@ -156,8 +168,7 @@ bool Set::renameChild(std::u16string_view oldName, std::u16string_view newName) 
 }
 
 void Set::importChild(IDataStore* sourceStore, std::uint32_t offset) {
-    const std::uint8_t kind = Record::kindOf(sourceStore, offset);
-    if (isInert() || !Record::isChildKind(kind)) return;
+    if (!isStored() || !Record::isChildKind(Record::kindOf(sourceStore, offset))) return;
     std::u16string name = Record::Snapshot(sourceStore, offset)->name();
     if (find(name) != IDataStore::BADOFF) return;
     const CloneChanges changes{true, this->offset(), Record::kFixed | Record::kInherited};
@@ -168,6 +179,7 @@ void Set::importChild(IDataStore* sourceStore, std::uint32_t offset) {
 }
 
 bool Set::isRemovable() {
+    if (isInert()) return true;
     if (openCount() > 1) return false;
     for (std::uint32_t child : children())
         if (!isSubtreeClosed(store(), child)) return false;
@@ -185,7 +197,7 @@ void Set::erase() {
 }
 
 void Set::eraseChildren() {
-    eraseListedChildren(store(), childrenRecord_);
+    eraseListedChildren(store(), offset(), childrenRecord_);
     dropIndex();
     childrenRecord_ = IDataStore::BADOFF;
     indexed_ = true;

@@ -44,13 +44,13 @@ class Set : public Item {
     std::vector<std::uint32_t> countedChildren();
 
     // Lists an entity that exists as the last child and sets its parent. False, with nothing changed, when it
-    // is no entity that can be a child or its name is taken.
+    // is no entity that can be a child, its name is taken, or this set's own record is gone.
     bool addChild(std::uint32_t offset);
     // Deletes a direct child and all below it. False, with nothing changed, when there is none of that name,
     // or it is fixed, or it or anything below is open elsewhere.
     bool removeChild(std::u16string_view name);
-    // False when the new name is taken, the old one missing, or the child fixed. Open objects on the child
-    // keep the old name.
+    // False when the new name is taken or too long, the old one missing, or the child fixed. Open objects on
+    // the child keep the old name.
     bool renameChild(std::u16string_view oldName, std::u16string_view newName);
     // Copies a child of another set in and marks all of the copy as fixed and inherited. A child that is here
     // under that name already wins, and nothing is copied.
@@ -67,6 +67,7 @@ class Set : public Item {
     // Takes over the children of the record; an object opened as a handle indexes them.
     void bindChildren(const Record::View& record) { childrenRecord_ = record.load(Record::field::children); }
     void indexChildren(Opening opening);
+    std::uint32_t childrenRecord() const { return childrenRecord_; }
 
   private:
     void loadChildren();

@@ -20,16 +20,11 @@ namespace {
 constexpr std::uint8_t kPrimitive = static_cast<std::uint8_t>(Record::Kind::primitive);
 constexpr std::uint8_t kTable = static_cast<std::uint8_t>(Record::Kind::table);
 
-// A primitive, table or container with all of its fixed part: what a walk acts on.
-bool isWalked(const Record::View& record) {
-    const std::uint8_t kind = record.kind();
-    return Record::isChildKind(kind) && record.isWhole(static_cast<Record::Kind>(kind));
-}
-
 // The offsets from the top of a walk down to where it stands.
 class Way {
   public:
-    bool enter(std::uint32_t offset) { return offsets_.insert(offset).second; }
+    bool holds(std::uint32_t offset) const { return offsets_.count(offset) != 0; }
+    void enter(std::uint32_t offset) { offsets_.insert(offset); }
     void leave(std::uint32_t offset) { offsets_.erase(offset); }
 
   private:
@@ -46,9 +41,12 @@ struct Level {
     std::uint32_t takeNext() { return children[next++]; }
 };
 
-std::vector<std::uint32_t> childrenOf(IDataStore* store, const Record::View& entity) {
-    if (entity.kind() == kPrimitive) return {};
-    return listedChildren(store, entity.load(field::children));
+Satellites satellitesOf(const Record::View& entity) {
+    Satellites known;
+    known.locale = entity.load(field::locale);
+    if (entity.kind() != kPrimitive) known.list = entity.load(field::children);
+    if (entity.kind() == kTable) known.defaults = entity.load(field::defaults);
+    return known;
 }
 
 // An object opened to ask would count itself in. A primitive may then be open exactly once, so a count that
@@ -61,23 +59,15 @@ bool isClosed(const Record::View& entity) {
 }  // namespace
 
 bool isSubtreeClosed(IDataStore* store, std::uint32_t offset) {
-    Way way;
-    std::vector<Level> levels;
-    const auto enter = [&](std::uint32_t child) {
-        const Record::Snapshot entity(store, child);
-        if (!isWalked(*entity) || !way.enter(child)) return true;
+    std::unordered_set<std::uint32_t> met;
+    std::vector<std::uint32_t> left{offset};
+    while (!left.empty()) {
+        const std::uint32_t current = left.back();
+        left.pop_back();
+        const Record::Snapshot entity(store, current);
+        if (!entity->isWholeChild() || !met.insert(current).second) continue;
         if (!isClosed(*entity)) return false;
-        levels.push_back({child, childrenOf(store, *entity)});
-        return true;
-    };
-    if (!enter(offset)) return false;
-    while (!levels.empty()) {
-        if (levels.back().isDone()) {
-            way.leave(levels.back().offset);
-            levels.pop_back();
-        } else if (!enter(levels.back().takeNext())) {
-            return false;
-        }
+        for (std::uint32_t child : listedChildren(store, satellitesOf(*entity).list)) left.push_back(child);
     }
     return true;
 }
@@ -117,36 +107,35 @@ class Eraser {
         run();
     }
 
-    void eraseList(std::uint32_t listOffset) {
-        if (!Record::Snapshot(store_, listOffset)->isWhole(Record::Kind::offsets)) return;
-        levels_.push_back(
-            {{IDataStore::BADOFF, childrenToErase(store_, listOffset)}, listOffset, IDataStore::BADOFF});
+    void eraseList(std::uint32_t owner, std::uint32_t listOffset) {
+        descend(owner, listOffset, IDataStore::BADOFF);
         run();
     }
 
   private:
     void removeIf(std::uint32_t offset, Record::Kind kind) {
-        if (offset != IDataStore::BADOFF && Record::Snapshot(store_, offset)->isWhole(kind))
-            store_->remove(offset);
+        if (Record::Snapshot(store_, offset)->isWhole(kind)) store_->remove(offset);
     }
 
-    // False for what is no entity, and for one that the walk stands in already.
+    // False for what has nothing below it: a record that is not there, or is cut short.
     bool enter(std::uint32_t offset) {
-        std::uint32_t locale;
-        ErasedLevel level{{offset, {}}, IDataStore::BADOFF, IDataStore::BADOFF};
+        Satellites known;
         {
             const Record::Snapshot entity(store_, offset);
-            if (!isWalked(*entity) || !way_.enter(offset)) return false;
-            locale = entity->load(field::locale);
-            if (entity->kind() != kPrimitive) level.list = entity->load(field::children);
-            if (entity->kind() == kTable) level.defaults = entity->load(field::defaults);
+            if (!entity->isWholeChild()) return false;
+            known = satellitesOf(*entity);
         }
-        removeIf(locale, Record::Kind::locale);
-        level.at.children = childrenToErase(store_, level.list);
-        levels_.push_back(std::move(level));
+        removeIf(known.locale, Record::Kind::locale);
+        descend(offset, known.list, known.defaults);
         return true;
     }
 
+    void descend(std::uint32_t offset, std::uint32_t list, std::uint32_t defaults) {
+        levels_.push_back({{offset, childrenToErase(store_, list)}, list, defaults});
+        way_.enter(offset);
+    }
+
+    // The record at the top stays.
     void leave() {
         const ErasedLevel& level = levels_.back();
         removeIf(level.list, Record::Kind::offsets);
@@ -157,23 +146,20 @@ class Eraser {
         if (!levels_.empty()) store_->remove(offset);
     }
 
+    // A child that stands above itself is not entered again, and one that stood in two places is gone by now.
+    void visit(std::uint32_t child) {
+        if (way_.holds(child) || enter(child)) return;
+        if (store_->recordSize(child) != 0) store_->remove(child);
+    }
+
     void run() {
         while (!levels_.empty()) {
             Level& at = levels_.back().at;
-            if (at.isDone()) {
+            if (at.isDone())
                 leave();
-                continue;
-            }
-            const std::uint32_t child = at.takeNext();
-            if (!enter(child) && !isOnTheWay(child)) store_->remove(child);
+            else
+                visit(at.takeNext());
         }
-    }
-
-    // Entering fails for two reasons; only a record that is not being walked may go.
-    bool isOnTheWay(std::uint32_t offset) {
-        if (!way_.enter(offset)) return true;
-        way_.leave(offset);
-        return false;
     }
 
     IDataStore* store_;
@@ -185,7 +171,9 @@ class Eraser {
 
 void eraseSubtree(IDataStore* store, std::uint32_t offset) { Eraser(store).eraseBelow(offset); }
 
-void eraseListedChildren(IDataStore* store, std::uint32_t listOffset) { Eraser(store).eraseList(listOffset); }
+void eraseListedChildren(IDataStore* store, std::uint32_t owner, std::uint32_t listOffset) {
+    Eraser(store).eraseList(owner, listOffset);
+}
 
 namespace {
 
@@ -207,8 +195,10 @@ class Cloner {
     Cloner(IDataStore* source, IDataStore* target, const CloneChanges& changes)
         : source_(source), target_(target), changes_(changes) {}
 
-    std::uint32_t clone(std::uint32_t offset) {
-        if (!enter(offset, changes_.setsParent ? &changes_.parent : nullptr)) return IDataStore::BADOFF;
+    // `known` is null where the record says what it refers to.
+    std::uint32_t clone(std::uint32_t offset, const Satellites* known = nullptr) {
+        if (!enter(offset, changes_.setsParent ? &changes_.parent : nullptr, known))
+            return IDataStore::BADOFF;
         const std::uint32_t copy = levels_.back().copy.offset();
         while (!levels_.empty()) {
             if (levels_.back().at.isDone())
@@ -227,30 +217,29 @@ class Cloner {
         const std::uint32_t parent = level.copy.offset();
         if (!Record::isChildKind(Record::kindOf(source_, child)))
             level.copies.push_back(child);
-        else if (enter(child, &parent))
+        else if (enter(child, &parent, nullptr))
             level.copies.push_back(levels_.back().copy.offset());
     }
 
-    bool enter(std::uint32_t offset, const std::uint32_t* parent) {
+    bool enter(std::uint32_t offset, const std::uint32_t* parent, const Satellites* known) {
+        Satellites satellites;
         CopiedLevel& level = levels_.emplace_back(target_);
         level.at.offset = offset;
-        std::uint32_t locale = IDataStore::BADOFF;
-        std::uint32_t list = IDataStore::BADOFF;
         {
             const Record::Snapshot entity(source_, offset);
-            if (!isWalked(*entity) || !way_.enter(offset)) {
+            if (!entity->isWholeChild() || way_.holds(offset)) {
                 levels_.pop_back();
                 return false;
             }
-            locale = entity->load(field::locale);
-            if (entity->kind() != kPrimitive) list = entity->load(field::children);
-            if (entity->kind() == kTable) level.defaults = entity->load(field::defaults);
+            satellites = known ? *known : satellitesOf(*entity);
             level.copy.allocate(entity->size());
             std::memcpy(level.copy.bytes(), entity->bytes(), entity->size());
         }
+        way_.enter(offset);
+        level.defaults = satellites.defaults;
         appendCopy(level.copy, parent);
-        cloneLocale(level, locale);
-        startList(level, list);
+        refer(level, field::locale, cloneSatellite(satellites.locale, Record::Kind::locale));
+        startList(level, satellites.list);
         return true;
     }
 
@@ -271,10 +260,6 @@ class Cloner {
         const Record::Base record(source_, offset);
         if (!record.view().isWhole(kind)) return IDataStore::BADOFF;
         return target_->append(record.view().bytes(), record.size());
-    }
-
-    void cloneLocale(CopiedLevel& level, std::uint32_t locale) {
-        refer(level, field::locale, cloneSatellite(locale, Record::Kind::locale));
     }
 
     void startList(CopiedLevel& level, std::uint32_t list) {
@@ -311,6 +296,12 @@ class Cloner {
 std::uint32_t cloneSubtree(IDataStore* source, std::uint32_t offset, IDataStore* target,
                            const CloneChanges& changes) {
     return Cloner(source, target, changes).clone(offset);
+}
+
+std::uint32_t cloneSubtree(IDataStore* source, std::uint32_t offset, const Satellites& known,
+                           IDataStore* target) {
+    const CloneChanges unchanged;
+    return Cloner(source, target, unchanged).clone(offset, &known);
 }
 
 }  // namespace norvane::platform::data::Metadata

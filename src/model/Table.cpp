@@ -49,7 +49,7 @@ void Table::erase() {
     if (isInert()) return;
     eraseLocale();
     eraseChildren();
-    if (defaultsOffset_ != IDataStore::BADOFF) store()->remove(defaultsOffset_);
+    if (isList(store(), defaultsOffset_)) store()->remove(defaultsOffset_);
     defaultsOffset_ = IDataStore::BADOFF;
     defaultIndex_.clear();
     Record::Base record(store(), offset());
@@ -59,14 +59,18 @@ void Table::erase() {
     record.commit();
 }
 
-std::uint32_t Table::clone(IDataStore* target) { return Metadata::cloneSubtree(store(), offset(), target); }
+std::uint32_t Table::clone(IDataStore* target) {
+    if (isInert()) return IDataStore::BADOFF;
+    return Metadata::cloneSubtree(store(), offset(), {localeRecord(), childrenRecord(), defaultsOffset_},
+                                  target);
+}
 
 bool Table::sameAs(const Table& other) const {
     return name() == other.name() && tableClass_ == other.tableClass_;
 }
 
 bool Table::addDefault(std::uint32_t unitId, std::uint32_t type) {
-    if (unitId == 0 || type == 0 || isInert()) return false;
+    if (unitId == 0 || type == 0 || !isStored()) return false;
     // Another object may have made the directory since this one was opened; a second one would lose its
     // pairs.
     if (!isList(store(), defaultsOffset_)) {

@@ -22,7 +22,7 @@ Primitive::Primitive(IDataStore* store, std::uint32_t offset, Metadata::Opening 
         if (!bind(store, offset, Record::Kind::primitive, *record)) return;
         structTypeName_ = record->text(field::structTypeSize);
         dataType_ = record->load(field::dataType);
-        valueSize_ = record->load(field::valueSize);
+        valueSize_ = record->section(field::valueSize).size;
         hasUri_ = (record->load(field::flags) & Record::kHasUri) != 0;
         if (hasUri_) uriText_ = record->text(field::valueSize);
         localeText_ = record->text(field::localeTagSize);
@@ -45,7 +45,9 @@ void Primitive::erase() {
 }
 
 std::uint32_t Primitive::clone(IDataStore* target) {
-    return Metadata::cloneSubtree(store(), offset(), target);
+    if (isInert()) return IDataStore::BADOFF;
+    return Metadata::cloneSubtree(store(), offset(), {localeRecord(), IDataStore::BADOFF, IDataStore::BADOFF},
+                                  target);
 }
 
 bool Primitive::sameAs(const Primitive& other) const {
@@ -58,25 +60,31 @@ std::uint32_t Primitive::count() const {
     return hasUri_ || elementSize() == 0 ? 0 : valueSize_ / elementSize();
 }
 
+// Whether the record is still there and has room for such a section in place of the one it has.
+bool Primitive::takes(const Record::Primitive& record, Record::U32 sizeField, std::uint64_t size) const {
+    return !isInert() && record.view().isWhole(Record::Kind::primitive) && record.takes(sizeField, size);
+}
+
 bool Primitive::setStructType(const tWChar* name) {
-    if (dataType_ != kStruct || !name || isInert()) return false;
+    if (dataType_ != kStruct || !name) return false;
     Record::Primitive record(store(), offset());
-    record.setField(field::structTypeSize, name, Record::storedSize(name));
+    const std::uint64_t size = Record::storedSize(name);
+    if (!takes(record, field::structTypeSize, size)) return false;
+    record.setField(field::structTypeSize, name, size);
     record.commit();  // stores rely on the number of writes: this one always made two
     structTypeName_ = name;
     return true;
 }
 
 bool Primitive::setUri(const tWChar* uri) {
-    if (isInert()) return true;
-    const std::uint64_t uriSize = uri ? Record::storedSize(uri) : 0;
-    if (!fits(uriSize)) return false;
     Record::Primitive record(store(), offset());
+    const std::uint64_t size = uri ? Record::storedSize(uri) : 0;
+    if (!takes(record, field::valueSize, size)) return false;
     const std::uint8_t flags = record.view().load(field::flags);
-    const auto size = static_cast<std::uint32_t>(uriSize);
     record.set(field::flags,
                static_cast<std::uint8_t>(uri ? flags | Record::kHasUri : flags & ~Record::kHasUri));
-    valueSize_ = size;  // ahead of the write: a store that throws leaves this object ahead of its record
+    // Ahead of the write: a store that throws leaves this object ahead of its record.
+    valueSize_ = static_cast<std::uint32_t>(size);
     record.setField(field::valueSize, uri, size);
     uriText_ = Record::textOf(uri);
     hasUri_ = uri != nullptr;
@@ -102,52 +110,20 @@ void Primitive::setLocale(const tWChar* tag) {
     // The struct type's bytes are dropped with the tag's while its size stays; as many zeros end the record.
     const std::uint32_t structTypeSize = record.view().section(field::structTypeSize).size;
     record.replaceSection(field::localeTagSize, nullptr, 0);
-    if (structTypeSize != 0) {
-        const std::uint32_t size = record.size();
-        record.replaceSection(field::structTypeSize, nullptr, 0);
-        record.grow(structTypeSize);
-        std::memset(record.bytes() + size - structTypeSize, 0, structTypeSize);
-        record.set(field::structTypeSize, structTypeSize);
-    }
+    record.replaceSection(field::structTypeSize, nullptr, 0);
+    record.grow(structTypeSize);
+    record.set(field::structTypeSize, structTypeSize);
     record.commit();
     localeText_.clear();
 }
 
-// Whether a value of that size fits a record beside the sections that this record has.
-bool Primitive::fits(std::uint64_t valueSize) const {
-    const Record::Snapshot record(store(), offset());
-    return record->sectionPosition(field::valueSize) + valueSize <= store()->recordLimit();
-}
-
-void Primitive::storeValue(const void* value, std::uint64_t size) {
-    Record::Primitive(store(), offset()).setField(field::valueSize, value, size);
-    valueSize_ = static_cast<std::uint32_t>(size);
-}
-
-// False when the record, which another object may have changed, does not have that range.
-bool Primitive::storeInPlace(const void* source, std::uint64_t position, std::uint64_t size) {
-    const Record::Snapshot record(store(), offset());
-    if (position + size > record->section(field::valueSize).size) return false;
-    const std::uint64_t start = record->sectionPosition(field::valueSize);
-    Record::storeBytes(store(), offset(), start + position, source, static_cast<std::uint32_t>(size), true);
-    return true;
-}
-
-// A block of `size` bytes that begins with the first `kept` bytes of the value, as far as the record has
-// them.
-std::vector<std::byte> Primitive::valueBytes(std::uint64_t size, std::uint64_t kept) const {
-    std::vector<std::byte> bytes(size);
-    const Record::Snapshot record(store(), offset());
-    const Record::Section value = record->section(field::valueSize);
-    const std::uint64_t there = std::min<std::uint64_t>({kept, size, value.size});
-    if (there != 0) std::memcpy(bytes.data(), value.begin, there);
-    return bytes;
-}
-
 bool Primitive::resize(std::uint32_t count) {
     const std::uint64_t size = std::uint64_t{elementSize()} * count;
-    if (hasUri_ || isInert() || !fits(size)) return false;
-    storeValue(std::vector<std::byte>(size).data(), size);
+    if (hasUri_) return false;
+    Record::Primitive record(store(), offset());
+    if (!takes(record, field::valueSize, size)) return false;
+    record.setField(field::valueSize, nullptr, 0, size);
+    valueSize_ = static_cast<std::uint32_t>(size);
     return true;
 }
 
@@ -155,37 +131,50 @@ void Primitive::resizeOrThrow(std::uint32_t count) {
     if (!resize(count) && !hasUri_) throw TooLarge();
 }
 
-bool Primitive::writeValues(const void* source, std::uint32_t start, std::uint32_t count) {
-    const std::uint64_t element = elementSize();
-    const std::uint64_t position = element * start;
-    const std::uint64_t size = element * count;
-    if (count == 0 || hasUri_ || !source || element == 0 || isInert() || !fits(position + size)) return false;
-
-    std::uint32_t existing = this->count();
-    if (std::uint64_t{start} + count <= existing) {
-        if (storeInPlace(source, position, size)) return true;
-        valueSize_ = Record::Snapshot(store(), offset())->section(field::valueSize).size;
-        existing = this->count();
+// Writes into the value that is there. False when the record, which another object may have changed, does not
+// have that range.
+bool Primitive::storeInPlace(const void* source, std::uint64_t position, std::uint64_t size) {
+    std::uint64_t start = 0;
+    {
+        const Record::Snapshot record(store(), offset());
+        if (position + size > record->section(field::valueSize).size) return false;
+        start = record->sectionPosition(field::valueSize);
     }
-    if (existing == 0 && start == 0) {
-        storeValue(source, size);
-        return true;
-    }
-    std::vector<std::byte> bytes = valueBytes(position + size, existing == 0 ? 0 : valueSize_);
-    const auto* from = static_cast<const std::byte*>(source) + (existing == 0 ? position : 0);
-    std::memcpy(bytes.data() + position, from, size);
-    storeValue(bytes.data(), bytes.size());
+    Record::storeBytes(store(), offset(), start + position, source, static_cast<std::uint32_t>(size), true);
     return true;
 }
 
-std::uint32_t Primitive::readValues(void* target, std::uint32_t start, std::uint32_t count) const {
-    const std::uint64_t element = elementSize();
-    if (count == 0 || std::uint64_t{start} + count > this->count()) return 0;
-    const Record::Snapshot record(store(), offset());
-    const Record::Section value = record->section(field::valueSize);
-    if (element * start + element * count > value.size) return 0;
-    std::memcpy(target, value.begin + element * start, element * count);
-    return count;
+// Makes the value `size` bytes long, in the buffer: what this object knows of it, as far as it is there, and
+// zeros. False when the record does not take that.
+bool Primitive::lengthenValue(Record::Primitive& record, std::uint64_t size) const {
+    if (!takes(record, field::valueSize, size)) return false;
+    const Record::Section value = record.view().section(field::valueSize);
+    const std::uint64_t known = count() == 0 ? 0 : valueSize_;
+    const std::uint64_t kept = std::min<std::uint64_t>({known, value.size, size});
+    record.replaceSection(field::valueSize, value.begin, kept, size - kept);
+    return true;
+}
+
+std::byte* Primitive::valueIn(Record::Primitive& record) {
+    return record.bytes() + record.view().sectionPosition(field::valueSize);
+}
+
+bool Primitive::writeValues(const void* source, std::uint32_t start, std::uint32_t count) {
+    const std::uint64_t position = std::uint64_t{elementSize()} * start;
+    const std::uint64_t size = std::uint64_t{elementSize()} * count;
+    if (size == 0 || hasUri_ || !source) return false;
+    // What the source is the base of follows from what this object knows, as its caller knows no more.
+    const auto* from = static_cast<const std::byte*>(source) + (this->count() == 0 ? position : 0);
+    if (std::uint64_t{start} + count <= this->count()) {
+        if (storeInPlace(from, position, size)) return true;
+        valueSize_ = Record::Snapshot(store(), offset())->section(field::valueSize).size;
+    }
+    Record::Primitive record(store(), offset());
+    if (!lengthenValue(record, position + size)) return false;
+    std::memcpy(valueIn(record) + position, from, size);
+    record.commit();
+    valueSize_ = static_cast<std::uint32_t>(position + size);
+    return true;
 }
 
 bool Primitive::overlayValues(const std::byte* elements, const std::vector<unsigned char>& isGiven) {
@@ -193,16 +182,29 @@ bool Primitive::overlayValues(const std::byte* elements, const std::vector<unsig
     const auto last =
         std::find_if(isGiven.rbegin(), isGiven.rend(), [](unsigned char each) { return each != 0; });
     const auto count = static_cast<std::uint64_t>(isGiven.rend() - last);
-    if (count == 0 || hasUri_ || element == 0 || isInert()) return false;
-    if (!fits(count * element)) throw TooLarge();
+    Record::Primitive record(store(), offset());
+    if (count * element == 0 || hasUri_ || !takes(record, field::valueSize, 0)) return false;
 
-    const std::uint32_t existing = this->count();
-    const std::uint64_t size = count <= existing ? valueSize_ : count * element;
-    std::vector<std::byte> bytes = valueBytes(size, existing == 0 ? 0 : valueSize_);
+    const std::uint32_t there = record.view().section(field::valueSize).size;
+    const bool isInside = count <= this->count() && count * element <= there;
+    if (!isInside && count <= this->count()) valueSize_ = there;
+    if (!isInside && !lengthenValue(record, count * element)) throw TooLarge();
+    std::byte* value = valueIn(record);
     for (std::uint64_t i = 0; i < count; ++i)
-        if (isGiven[i] != 0) std::memcpy(bytes.data() + i * element, elements + i * element, element);
-    storeValue(bytes.data(), size);
+        if (isGiven[i] != 0) std::memcpy(value + i * element, elements + i * element, element);
+    record.commit();
+    if (!isInside) valueSize_ = static_cast<std::uint32_t>(count * element);
     return true;
+}
+
+std::uint32_t Primitive::readValues(void* target, std::uint32_t start, std::uint32_t count) const {
+    const std::uint64_t element = elementSize();
+    if (count == 0 || !target || std::uint64_t{start} + count > this->count()) return 0;
+    const Record::Snapshot record(store(), offset());
+    const Record::Section value = record->section(field::valueSize);
+    if (element * start + element * count > value.size) return 0;
+    std::memcpy(target, value.begin + element * start, element * count);
+    return count;
 }
 
 }  // namespace norvane::platform::data::Design

@@ -42,37 +42,38 @@ class Primitive final : public Metadata::Item {
     // False, with nothing stored, unless the type is struct and the name is a text.
     bool setStructType(const tWChar* name);
     // A text makes the value external; null makes it empty. Either way the value that was there is gone.
-    // False only for a text that does not fit a record.
+    // False only when the record is gone, or does not take the text.
     bool setUri(const tWChar* uri);
     void setUnits(std::uint32_t unitId);
     std::uint32_t units() const;
     // Null takes the tag out. On a struct primitive with a type name that also loses the type name's bytes,
     // while its size stays: the value is then found in another place. Set a text instead of null there.
     void setLocale(const tWChar* tag);
-    // Replaces the value by zero elements; keeps nothing of it. False while the value is a URI, and when so
-    // many elements do not fit a record.
+    // Replaces the value by zero elements; keeps nothing of it. False while the value is a URI, when the
+    // record does not take so many elements, and when it is gone.
     bool resize(std::uint32_t count);
-    // False, with nothing changed, for a count of 0, a URI, a null source or a range that fits no record. A
-    // write past the end lengthens the value, with zeros in the gap; none shortens it. Beware: on an empty
-    // value with a `start` above 0 the source is taken as the base of the whole array, that is, the elements
-    // are read `start` elements behind it.
+    // False, with nothing changed, for a count of 0, a URI, a null source, a range that the record does not
+    // take, and a record that is gone. A write past the end lengthens the value, with zeros in the gap; none
+    // shortens it. Beware: on an empty value with a `start` above 0 the source is taken as the base of the
+    // whole array, that is, the elements are read `start` elements behind it. Empty or not is what this
+    // object knows: `count` tells.
     bool writeValues(const void* source, std::uint32_t start, std::uint32_t count);
     // All or nothing: `count`, or 0 when any of the range lies past the end.
     std::uint32_t readValues(void* target, std::uint32_t start, std::uint32_t count) const;
 
     // Lays element i of `elements` over element i of the value wherever `isGiven[i]` is not 0, in one write.
     // The value grows to the last one given; with none given nothing is stored. What element by element
-    // writes of the given ones would leave.
+    // writes of the given ones would leave. Throws `TooLarge` where the record does not take it.
     bool overlayValues(const std::byte* elements, const std::vector<unsigned char>& isGiven);
 
     // Throws `TooLarge` where `resize` refuses for size; for callers that have no result to tell it by.
     void resizeOrThrow(std::uint32_t count);
 
   private:
-    bool fits(std::uint64_t valueSize) const;
-    void storeValue(const void* value, std::uint64_t size);
+    bool takes(const Record::Primitive& record, Record::U32 sizeField, std::uint64_t size) const;
     bool storeInPlace(const void* source, std::uint64_t position, std::uint64_t size);
-    std::vector<std::byte> valueBytes(std::uint64_t size, std::uint64_t kept) const;
+    bool lengthenValue(Record::Primitive& record, std::uint64_t size) const;
+    static std::byte* valueIn(Record::Primitive& record);
 
     bool hasUri_ = false;
     std::u16string structTypeName_;

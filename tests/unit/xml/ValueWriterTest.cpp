@@ -148,10 +148,10 @@ TEST(WriteValue, BehindAUriIsNotWritten) {
     EXPECT_EQ(value.text(), "<string name=\"v\" uri=\"file:a b\">" + std::string(kWithName) + "</string>\n");
 }
 
-TEST(WriteValue, OfADamagedRecordIsLeftOut) {
+TEST(WriteValue, OfADamagedRecordEndsWithTheRecord) {
     Value value(metadata::kInt32, std::vector<std::int32_t>{1, 2});
     Record::storeField(&value.store, 0, Record::field::valueSize, std::uint32_t{0xFFFFFFFC});
-    EXPECT_EQ(value.text(), "<int32 name=\"v\"/>\n");
+    EXPECT_EQ(value.text(), "<int32 name=\"v\">1 2</int32>\n");
 }
 
 // A struct "v" of type T, whose members are given, with these bytes as value.

@@ -47,6 +47,13 @@ std::uint64_t bucketHash(std::u16string_view name) {
     return core::string::wideKeyHash(name.data(), name.size()) / sizeof(void*);
 }
 
+Buckets doubled(const Buckets& buckets, const std::vector<std::uint64_t>& hashes) {
+    Buckets larger(buckets.count() * 2);
+    for (std::uint32_t each : buckets.slots())
+        if (each != kFree) larger.place(hashes[each], each);
+    return larger;
+}
+
 }  // namespace
 
 std::vector<std::uint32_t> deletionOrder(const std::vector<std::u16string_view>& names) {
@@ -56,20 +63,20 @@ std::vector<std::uint32_t> deletionOrder(const std::vector<std::u16string_view>&
     Buckets buckets(kFirstBuckets);
     std::size_t placed = 0;
     for (std::uint32_t i = 0; i < names.size(); ++i) {
-        if (isReserved(names[i]) || !seen.insert(names[i], i)) {
+        if (isReserved(names[i])) {
             last.push_back(i);
             continue;
         }
-        // The map doubles when it would be more than half full, and then takes its content over in its own
-        // order.
-        if (++placed > buckets.count() / 2) {
-            Buckets larger(buckets.count() * 2);
-            for (std::uint32_t each : buckets.slots())
-                if (each != kFree) larger.place(hashes[each], each);
-            buckets = std::move(larger);
+        // The map doubles when one more would make it more than half full, also if that one turns out to be
+        // there already, and then takes its content over in its own order.
+        if (placed + 1 > buckets.count() / 2) buckets = doubled(buckets, hashes);
+        if (!seen.insert(names[i], i)) {
+            last.push_back(i);
+            continue;
         }
         hashes[i] = bucketHash(names[i]);
         buckets.place(hashes[i], i);
+        ++placed;
     }
     std::vector<std::uint32_t> order;
     order.reserve(names.size());

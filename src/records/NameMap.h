@@ -1,10 +1,14 @@
 // An index from names to values.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
+#include <new>
 #include <sparsehash/dense_hash_map>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace norvane::platform::data {
@@ -15,6 +19,31 @@ inline constexpr std::u16string_view kEmptyKey = u"$$$$$_____empty_key";
 inline constexpr std::u16string_view kDeletedKey = u"$$$$$_____deleted_key";
 
 inline bool isReserved(std::u16string_view name) { return name == kEmptyKey || name == kDeletedKey; }
+
+// The hash map's own allocator gives null when there is no memory left, and the map then writes there. This
+// one throws. Its names are those that the map asks for.
+template <class T>
+struct MapAllocator {
+    using value_type = T;
+    using size_type = std::size_t;
+    using difference_type = std::ptrdiff_t;
+    using pointer = T*;
+    using const_pointer = const T*;
+    using reference = T&;
+    using const_reference = const T&;
+    template <class U>
+    struct rebind {
+        using other = MapAllocator<U>;
+    };
+
+    MapAllocator() = default;
+    template <class U>
+    MapAllocator(const MapAllocator<U>&) {}
+
+    T* allocate(std::size_t count) { return static_cast<T*>(::operator new(count * sizeof(T))); }
+    void deallocate(T* block, std::size_t) { ::operator delete(block); }
+    static constexpr std::size_t max_size() { return static_cast<std::size_t>(-1) / sizeof(T); }
+};
 
 // Hashes the whole of a name, with a seed of the process, so that neither a long common beginning of siblings
 // nor names that somebody chose to collide make an index slow. Nothing depends on its values.
@@ -68,7 +97,9 @@ class NameMap {
     struct Hash {
         std::size_t operator()(std::u16string_view name) const { return nameHash(name); }
     };
-    using Map = google::dense_hash_map<std::u16string_view, Value, Hash>;
+    using Entry = std::pair<const std::u16string_view, Value>;
+    using Map = google::dense_hash_map<std::u16string_view, Value, Hash, std::equal_to<std::u16string_view>,
+                                       MapAllocator<Entry>>;
 
     static Map makeMap() {
         Map map;

@@ -170,8 +170,8 @@ TEST_F(ConformsTest, NestedTableIsComparedInTurn) {
     EXPECT_FALSE(wrong->conforms(schema.get(), false));
 }
 
-// A container moves on behind a match; a table leaves the match available. Two handles that do not see each other's
-// members make a type that asks twice for one.
+// A container moves on behind a match; a table leaves the match available. Two handles that do not see each
+// other's members make a type that asks twice for one.
 TEST_F(ConformsTest, MatchedChildOfATableServesTheNextMemberToo) {
     const auto type = makeType(u"A", {});
     const auto stale = library->findProperty(u"A");

@@ -294,9 +294,8 @@ TEST_F(ContainerTest, NewContainerRecordHasExactlyTheseBytes) {
 
     const auto parent = static_cast<unsigned char>(recordAt(store, u"top"));
     EXPECT_EQ(record(store, u"top/l").bytes(),
-              (std::vector<unsigned char>{4, parent, 0,    0,    0,    0, 0, 0, 0, 0xFF, 0xFF, 0xFF,
-                                          0xFF, 0,   0xFF, 0xFF, 0xFF, 0xFF, 2, 4, 0, 0, 0, 0,
-                                          0, 0, 0, 0, 0, 0, 0, 'l', 0, 0, 0}));
+              bytesWith({4, parent, 0, 0, 0, 0, 0, 0, 0, kNone, 0, kNone,  //
+                         2, 4,      0, 0, 0, 0, 0, 0, 0, 0,     0, 0,     0, 'l', 0, 0, 0}));
 }
 
 }  // namespace

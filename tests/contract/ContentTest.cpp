@@ -106,7 +106,8 @@ TEST_F(ContentTest, ReservedNamesAreMadeButNeverFound) {
         EXPECT_FALSE(top->contains(name));
         EXPECT_FALSE(top->remove(name));
     }
-    for (int i = 0; i < 100; ++i) top->makePrimitive((u"p" + std::u16string(1, char16_t(u'A' + i))).c_str(), kInt32);
+    for (int i = 0; i < 100; ++i)
+        top->makePrimitive((u"p" + std::u16string(1, char16_t(u'A' + i))).c_str(), kInt32);
 
     EXPECT_EQ(childrenOf(store, recordAt(store, u"top")).size(), 104u);
     EXPECT_EQ(namesOf(*top->containers()), (Names{u"$$$$$_____empty_key", u"$$$$$_____deleted_key"}));
@@ -516,7 +517,10 @@ TEST_F(ContentTest, CopyAppendsInTheOrderEntityLocaleListChildrenDefaults) {
     std::string kinds;
     for (Offset offset = first; offset < store.size(); ++offset)
         kinds += static_cast<char>('0' + RawRecord(store, offset).kind());
-    EXPECT_EQ(kinds, "45312" "3153" "4");
+    EXPECT_EQ(kinds,
+              "45312"
+              "3153"
+              "4");
 }
 
 }  // namespace

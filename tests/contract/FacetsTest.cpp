@@ -158,9 +158,7 @@ TEST_F(LinkTest, TargetThatIsALinkIsGivenAsThatLink) {
     EXPECT_EQ(found->kind(), kLink);
 }
 
-TEST_F(LinkTest, LinkToItselfResolvesToItself) {
-    EXPECT_EQ(target(u"top.l").resolve(nullptr)->name(), u"l");
-}
+TEST_F(LinkTest, LinkToItselfResolvesToItself) { EXPECT_EQ(target(u"top.l").resolve(nullptr)->name(), u"l"); }
 
 TEST_F(LinkTest, ResolvedHandleHasNoFacet) {
     makeGroup(*top, u"a");

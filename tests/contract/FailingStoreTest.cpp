@@ -1,5 +1,5 @@
-// Every operation on a store that fails at its first call, at its second, and so on until the operation gets through:
-// nothing terminates, no guard stays, nothing leaks, and no open entity counts as closed.
+// Every operation on a store that fails at its first call, at its second, and so on until the operation gets
+// through: nothing terminates, no guard stays, nothing leaks, and no open entity counts as closed.
 #include <algorithm>
 
 #include "contract/Operations.h"
@@ -172,7 +172,8 @@ TEST_F(FailingStoreTest, FailureOfClosingIsKeptBackWhileAnotherExceptionIsUnderW
     }
 }
 
-// A handle that is made and goes inside a destructor, while an exception is under way, is none of that exception's.
+// A handle that is made and goes inside a destructor, while an exception is under way, is none of that
+// exception's.
 TEST_F(FailingStoreTest, FailureInsideADestructorDuringUnwindingReachesItsCaller) {
     struct Asks {
         ThrowingStore& store;

@@ -32,9 +32,8 @@ TEST_F(FrontEndTest, RootRecordHasExactlyTheseBytes) {
 
     const RawRecord root(store, 0);
     const auto list = static_cast<unsigned char>(root.children());
-    EXPECT_EQ(root.bytes(), (std::vector<unsigned char>{0,    0xFF, 0xFF, 0xFF, 0xFF, 0,    0,   0, 0,   0xFF, 0xFF,
-                                                        0xFF, 0xFF, 0,    list, 0,    0,    0,   10, 0,  0,    0,
-                                                        'r',  0,    'o',  0,    'o',  0,    't', 0, 0,   0}));
+    EXPECT_EQ(root.bytes(), bytesWith({0,   kNone, 0,   0, 0,   0, kNone, 0, list, 0, 0, 0, 10, 0, 0, 0,  //
+                                       'r', 0,     'o', 0, 'o', 0, 't',   0, 0,    0}));
 }
 
 TEST_F(FrontEndTest, SecondToplevelOpensTheSameRecord) {
@@ -87,7 +86,8 @@ TEST_F(FrontEndTest, ToplevelWithTheNameOfAPropertyIsNullAndMakesNothing) {
     const auto holder = IContainerFrontEnd::toplevel(&store, u"holder");
     holder->makePrimitive(u"p", kDouble);
     holder->makeTable(u"t", nullptr);
-    listInRoot(store, {recordAt(store, u"holder/p"), recordAt(store, u"holder/t"), recordAt(store, u"holder")});
+    listInRoot(store,
+               {recordAt(store, u"holder/p"), recordAt(store, u"holder/t"), recordAt(store, u"holder")});
     const std::uint64_t before = store.size();
 
     EXPECT_FALSE(IContainerFrontEnd::toplevel(&store, u"p"));

@@ -86,8 +86,9 @@ TYPED_TEST(LocalisedTest, LocaleRecordHoldsPairsInTheOrderTheyWereSet) {
 
     const RawRecord stored(this->store, this->localeRecord());
     EXPECT_EQ(stored.bytes(),
-              (std::vector<unsigned char>{5,   32,  0, 0,   0, 'e', 0, 'n', 0, 0, 0,   'w', 0,   'a', 0,   'l', 0, 'l', 0,
-                                          0,   0,   'd', 0, 'e', 0, 0, 0,   'W', 0, 'a', 0, 'n', 0, 'd', 0,   0,   0}));
+              (std::vector<unsigned char>{5,   32,  0,   0,   0,   'e', 0, 'n', 0,   0, 0,   'w', 0,
+                                          'a', 0,   'l', 0,   'l', 0,   0, 0,   'd', 0, 'e', 0,   0,
+                                          0,   'W', 0,   'a', 0,   'n', 0, 'd', 0,   0, 0}));
 }
 
 TYPED_TEST(LocalisedTest, SameLocaleReplacesTheText) {

@@ -1,11 +1,11 @@
-// What the tests of the public model share: names, a look at the bytes of records that owes nothing to the library,
-// and short forms of common steps.
+// What the tests of the public model share: names, a look at the bytes of records that owes nothing to the
+// library, and short forms of common steps.
 #pragma once
 
 #include <gtest/gtest.h>
 
 #include <cstdint>
-#include <cstring>
+#include <initializer_list>
 #include <ostream>
 #include <string>
 #include <string_view>
@@ -124,6 +124,19 @@ class RawRecord {
     std::vector<unsigned char> bytes_;
 };
 
+// Bytes as they are written down, `kNone` standing for the four of the offset of no record.
+constexpr int kNone = -1;
+
+inline std::vector<unsigned char> bytesWith(std::initializer_list<int> parts) {
+    std::vector<unsigned char> bytes;
+    for (const int part : parts)
+        if (part == kNone)
+            for (int i = 0; i < 4; ++i) bytes.push_back(static_cast<unsigned char>(noRecord() >> 8 * i));
+        else
+            bytes.push_back(static_cast<unsigned char>(part));
+    return bytes;
+}
+
 inline std::vector<Offset> childrenOf(IDataStore& store, Offset offset) {
     const RawRecord entity(store, offset);
     return entity.isEntity() ? RawRecord(store, entity.children()).values() : std::vector<Offset>();
@@ -144,11 +157,14 @@ inline Offset recordAt(IDataStore& store, std::u16string_view path) {
     return current;
 }
 
-inline RawRecord record(IDataStore& store, std::u16string_view path) { return {store, recordAt(store, path)}; }
+inline RawRecord record(IDataStore& store, std::u16string_view path) {
+    return {store, recordAt(store, path)};
+}
 
 inline std::vector<std::u16string> namesIn(IDataStore& store, std::u16string_view path) {
     std::vector<std::u16string> names;
-    for (Offset child : childrenOf(store, recordAt(store, path))) names.push_back(RawRecord(store, child).name());
+    for (Offset child : childrenOf(store, recordAt(store, path)))
+        names.push_back(RawRecord(store, child).name());
     return names;
 }
 
@@ -165,13 +181,16 @@ inline std::uint64_t openCountsOf(MemoryDataStore& store) {
 // All records with their bytes, to compare before and after.
 inline std::vector<std::vector<unsigned char>> contentsOf(MemoryDataStore& store) {
     std::vector<std::vector<unsigned char>> contents;
-    for (Offset offset = 0; offset < store.size(); ++offset) contents.push_back(RawRecord(store, offset).bytes());
+    for (Offset offset = 0; offset < store.size(); ++offset)
+        contents.push_back(RawRecord(store, offset).bytes());
     return contents;
 }
 
-inline void overwrite(IDataStore& store, Offset offset, std::size_t position, std::uint64_t value, std::size_t width) {
+inline void overwrite(IDataStore& store, Offset offset, std::size_t position, std::uint64_t value,
+                      std::size_t width) {
     std::vector<unsigned char> bytes = RawRecord(store, offset).bytes();
-    for (std::size_t i = 0; i < width; ++i) bytes.at(position + i) = static_cast<unsigned char>(value >> 8 * i);
+    for (std::size_t i = 0; i < width; ++i)
+        bytes.at(position + i) = static_cast<unsigned char>(value >> 8 * i);
     store.write(offset, bytes.data(), static_cast<std::uint32_t>(bytes.size()), true);
 }
 
@@ -179,13 +198,15 @@ inline std::u16string textOf(const WideString& text) { return std::u16string(tex
 
 inline std::vector<std::u16string> namesOf(IPropertyFilter& filter) {
     std::vector<std::u16string> names;
-    for (auto each = filter.value(); each; filter.next(), each = filter.value()) names.push_back(textOf(each->name()));
+    for (auto each = filter.value(); each; filter.next(), each = filter.value())
+        names.push_back(textOf(each->name()));
     return names;
 }
 
 inline std::vector<std::u16string> namesOf(IContainerFilter& filter) {
     std::vector<std::u16string> names;
-    for (auto each = filter.value(); each; filter.next(), each = filter.value()) names.push_back(textOf(each->name()));
+    for (auto each = filter.value(); each; filter.next(), each = filter.value())
+        names.push_back(textOf(each->name()));
     return names;
 }
 

@@ -1,4 +1,5 @@
-// Every operation of the public model by name, to be run on one small model: for tests that ask the same of all.
+// Every operation of the public model by name, to be run on one small model: for tests that ask the same of
+// all.
 #pragma once
 
 #include <functional>
@@ -18,7 +19,8 @@ namespace norvane::platform::test {
 //                 st  struct with type and locale    x  group of class lib.T
 //   lib   group   T   table with m (int32) and inner (table)
 struct Model {
-    explicit Model(IDataStore& dataStore) : store(dataStore), top(IContainerFrontEnd::toplevel(&store, u"top")) {
+    explicit Model(IDataStore& dataStore)
+        : store(dataStore), top(IContainerFrontEnd::toplevel(&store, u"top")) {
         makeContainers();
         makeProperties();
         makeClass();
@@ -30,19 +32,22 @@ struct Model {
     MemoryDataStore other;
     SharedPtr<ISchemaLocator> locator;
     SharedPtr<ISchema> schema;
-    SharedPtr<IContainer> top, g, link, from, item;
+    SharedPtr<IContainer> top, g, node, link, from, item;
     SharedPtr<IProperty> p, s, st, u, t, inner, m;
     SharedPtr<IPropertyFilter> properties, members;
     SharedPtr<IPropertyFilter> made;  // of a table: closing it takes no guard
     SharedPtr<IContainerFilter> containers;
 
-    IPrimitive& primitive(const SharedPtr<IProperty>& property) const { return *IPrimitive::to(property.get()); }
-    ITable& table(const SharedPtr<IProperty>& property) const { return *ITable::to(property.get()); }
-    ILink& asLink() const { return *ILink::to(link.get()); }
+    // By what the handle is, whatever its record has become.
+    IPrimitive& primitive(const SharedPtr<IProperty>& property) const {
+        return dynamic_cast<IPrimitive&>(*property);
+    }
+    ITable& table(const SharedPtr<IProperty>& property) const { return dynamic_cast<ITable&>(*property); }
+    ILink& asLink() const { return dynamic_cast<ILink&>(*link); }
 
     void closeAll() {
         for (SharedPtr<IProperty>* each : {&p, &s, &st, &u, &t, &inner, &m}) each->reset();
-        for (SharedPtr<IContainer>* each : {&top, &g, &link, &from, &item}) each->reset();
+        for (SharedPtr<IContainer>* each : {&top, &g, &node, &link, &from, &item}) each->reset();
         properties.reset();
         members.reset();
         made.reset();
@@ -94,6 +99,7 @@ struct Model {
 
     void openAll() {
         g = top->find(u"g");
+        node = g->find(u"inner");
         link = top->find(u"l");
         p = top->findProperty(u"p");
         s = top->findProperty(u"s");
@@ -145,8 +151,7 @@ inline std::vector<Operation> containerOperations() {
         {"makeTableOfClass", whole, [](Model& o) { o.g->makeTable(u"new", o.schema.get()); }},
         {"makePrimitive", whole, [](Model& o) { o.g->makePrimitive(u"new", kDouble); }},
         {"makeContainer", whole, [](Model& o) { o.g->makeContainer(kNode, u"new", nullptr); }},
-        {"makeFirstChild", whole,
-         [](Model& o) { o.top->find(u"g.inner")->makeContainer(kGroup, u"new", nullptr); }},
+        {"makeFirstChild", whole, [](Model& o) { o.node->makeContainer(kGroup, u"new", nullptr); }},
         {"makeContainerOfClass", whole, [](Model& o) { o.g->makeContainer(kLink, u"new", o.schema.get()); }},
         {"makeContainerOfUnknownKind", whole, [](Model& o) { o.g->makeContainer(7, u"new", nullptr); }},
         {"contains", whole, [](Model& o) { o.top->contains(u"g.inner"); }},
@@ -189,7 +194,7 @@ inline std::vector<Operation> facetOperations() {
         {"groupTo", whole, [](Model& o) { IGroup::to(o.g.get()); }},
         {"nodeTo", whole, [](Model& o) { INode::to(o.g.get()); }},
         {"linkTo", whole, [](Model& o) { ILink::to(o.link.get()); }},
-        {"facetsContainer", whole, [](Model& o) { o.asLink().container(); }},
+        {"facetsContainer", none, [](Model& o) { o.asLink().container(); }},
         {"resolve", whole, [](Model& o) { o.asLink().resolve(nullptr); }},
         {"resolveInStore", whole, [](Model& o) { o.asLink().resolve(&o.store); }},
         {"setTarget", whole, [](Model& o) { o.asLink().setTarget(u"top.x"); }},
@@ -317,8 +322,9 @@ inline std::vector<Operation> tableOperations() {
 
 inline std::vector<Operation> allOperations() {
     std::vector<Operation> all;
-    for (const auto& some : {frontEndOperations(), containerOperations(), facetOperations(), filterOperations(),
-                             propertyOperations(), primitiveOperations(), tableOperations()})
+    for (const auto& some :
+         {frontEndOperations(), containerOperations(), facetOperations(), filterOperations(),
+          propertyOperations(), primitiveOperations(), tableOperations()})
         all.insert(all.end(), some.begin(), some.end());
     return all;
 }

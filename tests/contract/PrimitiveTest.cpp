@@ -45,14 +45,14 @@ TEST_F(PrimitiveTest, NewPrimitiveRecordHasExactlyTheseBytes) {
     make(kDouble);
 
     const auto parent = static_cast<unsigned char>(recordAt(store, u"top"));
-    EXPECT_EQ(raw().bytes(), (std::vector<unsigned char>{
-                                 1, parent, 0, 0, 0, 0, 0, 0, 0, 0xFF, 0xFF, 0xFF, 0xFF, 0, 0, 0,
-                                 0, 0,      0, 0, 0, 0, 17, 0, 0, 0,   0,    0,    0,    0, 4, 0,
-                                 0, 0,      0, 0, 0, 0, 0,  0, 0, 0,   'p',  0,    0,    0}));
+    EXPECT_EQ(raw().bytes(), bytesWith({1, parent, 0, 0, 0,  0, 0, 0, 0,   kNone, 0, 0, 0, 0, 0,     //
+                                        0, 0,      0, 0, 17, 0, 0, 0, 0,   0,     0, 0, 4, 0, 0, 0,  //
+                                        0, 0,      0, 0, 0,  0, 0, 0, 'p', 0,     0, 0}));
 }
 
 TEST_F(PrimitiveTest, ElementSizesFollowTheTypes) {
-    const std::uint32_t sizes[] = {0, 1, 2, 2, 2, 2, 2, 1, 1, 1, 2, 2, 4, 4, 8, 8, 4, 8, 8, 8, 8, 8, 8, 8, 1, 0};
+    const std::uint32_t sizes[] = {0, 1, 2, 2, 2, 2, 2, 1, 1, 1, 2, 2, 4,
+                                   4, 8, 8, 4, 8, 8, 8, 8, 8, 8, 8, 1, 0};
     for (std::uint32_t type = 0; type < 26; ++type) {
         const auto p = makeNamed(type);
         EXPECT_EQ(p->elementSize(), sizes[type]) << type;

@@ -75,7 +75,8 @@ TEST_F(PropertyTest, RenameKeepsTheValue) {
 
     open(u"p")->rename(u"renamed");
 
-    EXPECT_EQ(valuesOf<std::int32_t>(*IPrimitive::to(open(u"renamed").get())), (std::vector<std::int32_t>{1, 2, 3}));
+    EXPECT_EQ(valuesOf<std::int32_t>(*IPrimitive::to(open(u"renamed").get())),
+              (std::vector<std::int32_t>{1, 2, 3}));
 }
 
 TEST_F(PropertyTest, RenameOfAFixedPropertyIsRefused) {

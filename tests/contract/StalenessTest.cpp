@@ -1,5 +1,5 @@
-// What a handle sees of changes that another handle makes: a handle answers lookups among its direct children from what
-// it read when it was opened, and paths beyond them, positions and cursors from the store.
+// What a handle sees of changes that another handle makes: a handle answers lookups among its direct children
+// from what it read when it was opened, and paths beyond them, positions and cursors from the store.
 #include "contract/Model.h"
 
 namespace norvane::platform::test {

@@ -28,9 +28,8 @@ TEST_F(TableTest, NewTableRecordHasExactlyTheseBytes) {
 
     const auto parent = static_cast<unsigned char>(recordAt(store, u"top"));
     EXPECT_EQ(record(store, u"top/t").bytes(),
-              (std::vector<unsigned char>{2, parent, 0,    0,    0,    0,    0,    0, 0, 0xFF, 0xFF, 0xFF, 0xFF,
-                                          0, 0xFF,   0xFF, 0xFF, 0xFF, 0,    0,    0, 0, 0xFF, 0xFF, 0xFF, 0xFF,
-                                          4, 0,      0,    0,    0,    0,    0,    0, 't', 0,  0,    0}));
+              bytesWith({2, parent, 0, 0, 0, 0, 0, 0, 0,   kNone, 0, kNone, 0, 0, 0, 0, kNone,  //
+                         4, 0,      0, 0, 0, 0, 0, 0, 't', 0,     0, 0}));
 }
 
 TEST_F(TableTest, FindWalksPathsAndRemoveTakesNames) {

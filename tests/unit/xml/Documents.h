@@ -34,6 +34,7 @@ using core::io::MemoryReader;
 using core::io::MemoryWriter;
 using core::storage::datastore::MemoryDataStore;
 using core::string::StringAlgorithm;
+using core::xml::DiagnosingReader;
 using format::xml::IErrorReporter;
 using format::xml::IXMLFrontEnd;
 using metadata::ISchemaLocator;
@@ -65,6 +66,31 @@ inline std::vector<std::string> read(IDataStore& store, std::string_view documen
     Reports reports;
     IXMLFrontEnd::parse(&store, &reader, locator, nullptr, &reports);
     return reports.texts;
+}
+
+// Puts the place in front of each report, as a host would.
+struct PlacedReports : IErrorReporter {
+    explicit PlacedReports(const DiagnosingReader& asked) : reader(asked) {}
+    void report(WideString message) override {
+        texts += lineAndColumn(reader.place()) + narrow(message.view()) + "\n";
+    }
+    static std::string lineAndColumn(const core::xml::tPlace& place) {
+        return std::to_string(place.line) + ":" + std::to_string(place.column) + " ";
+    }
+
+    const DiagnosingReader& reader;
+    std::string texts;
+};
+
+// Reads a document and gives the reports, a line each; then, behind a "!", where and why the parse has
+// stopped ahead of the end.
+inline std::string placedReports(IDataStore& store, std::string_view document, ISchemaLocator* locator) {
+    MemoryReader bytes(document);
+    DiagnosingReader reader(bytes);
+    PlacedReports reports(reader);
+    IXMLFrontEnd::parse(&store, &reader, locator, nullptr, &reports);
+    if (!reader.stopped()) return reports.texts;
+    return reports.texts + PlacedReports::lineAndColumn(reader.stopPlace()) + "! " + reader.stopText() + "\n";
 }
 
 inline std::vector<std::string> readInto(IContainer& container, std::string_view document,

@@ -5,7 +5,6 @@
 namespace norvane::platform::data::test {
 namespace {
 
-using core::xml::DiagnosingReader;
 using core::xml::tPlace;
 
 std::string asText(const tPlace& place) {
@@ -13,9 +12,9 @@ std::string asText(const tPlace& place) {
            std::to_string(place.byte);
 }
 
-// Puts the place in front of each report.
-struct PlacedReports : IErrorReporter {
-    explicit PlacedReports(const DiagnosingReader& asked) : reader(asked) {}
+// Puts the place, with its byte, in front of each report.
+struct FullyPlacedReports : IErrorReporter {
+    explicit FullyPlacedReports(const DiagnosingReader& asked) : reader(asked) {}
     void report(WideString message) override {
         texts.push_back(asText(reader.place()) + " " + narrow(message.view()));
     }
@@ -29,7 +28,7 @@ std::vector<std::string> placesIn(std::string_view document) {
     MemoryDataStore store;
     MemoryReader bytes(document);
     DiagnosingReader reader(bytes);
-    PlacedReports reports(reader);
+    FullyPlacedReports reports(reader);
     IXMLFrontEnd::parse(&store, &reader, nullptr, nullptr, &reports);
     if (reader.stopped())
         reports.texts.push_back(asText(reader.stopPlace()) + " stopped: " + reader.stopText());
@@ -87,7 +86,7 @@ TEST(Places, ParseIntoAContainerTellsThemToo) {
     const SharedPtr<IContainer> top = structure::IContainerFrontEnd::toplevel(&store, WideString(u"top"));
     MemoryReader bytes("<group name='g'>\n <x/>\n <group>");
     DiagnosingReader reader(bytes);
-    PlacedReports reports(reader);
+    FullyPlacedReports reports(reader);
     IXMLFrontEnd::parse(top.get(), &reader, nullptr, nullptr, &reports);
     EXPECT_THAT(reports.texts, ElementsAre("2:2 @18 x : unknown element, skipping",
                                            "3:2 @24 group : missing mandatory 'id' attribute"));

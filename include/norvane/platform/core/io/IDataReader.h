@@ -11,8 +11,8 @@ class QVT_CORE_API IDataReader {
   public:
     virtual ~IDataReader() noexcept(false) {}
 
-    /// Makes the source ready, at its beginning. False means that nothing can be read; `close` is called all
-    /// the same.
+    /// Makes the source ready, at its beginning. False means that nothing can be read; neither `read` nor
+    /// `close` is called then.
     virtual bool open() = 0;
     virtual void close() = 0;
     /// Copies up to `size` bytes to `buffer` and answers how many. 0 is the end, and only the end.

@@ -22,15 +22,13 @@ struct tPlace {
 /// Reads XML 1.0 documents of any depth and size and hands them to a callback as they come.
 ///
 /// - UTF-8, with or without a byte order mark, and UTF-16 with one; also US-ASCII and ISO-8859-1 where the
-/// document
-///   declares them. Names are not split at colons.
-/// - Text comes as it stands, white space included, with CR LF and CR as LF. CDATA sections are text. In
-/// attribute values
-///   each tab and line end becomes a blank.
+///   document declares them.
+/// - Names are not split at colons.
+/// - Text comes as it stands, white space included, with CR LF and CR as LF. CDATA sections are text.
+/// - In attribute values each tab and line end becomes a blank.
 /// - A DOCTYPE is passed over. One with an internal subset ends the parse with an error, and so does a
-/// reference to an
-///   entity that is not one of the five predefined ones. So nothing can be declared, and nothing external is
-///   opened.
+///   reference to an entity that is not one of the five predefined ones. So nothing can be declared, and
+///   nothing external is opened.
 /// - Two attributes of one name in a tag are an error.
 class QVT_CORE_API XMLParser {
   public:

@@ -1,5 +1,6 @@
 #include "impl/ContainerImpl.h"
 
+#include "impl/DisplayNames.h"
 #include "impl/Handles.h"
 #include "impl/Kinds.h"
 #include "impl/Text.h"
@@ -65,7 +66,7 @@ std::uint32_t ContainerImpl::localisedCount() {
 }
 
 WideString ContainerImpl::localeAt(std::uint32_t index) {
-    return underGuard(store(), [&] { return wideOrNone(item_->localeAt(index)); });
+    return underGuard(store(), [&] { return localeOf(*item_, index); });
 }
 
 void ContainerImpl::setLocalised(WideString locale, WideString text) {
@@ -73,7 +74,7 @@ void ContainerImpl::setLocalised(WideString locale, WideString text) {
 }
 
 WideString ContainerImpl::localised(WideString locale) {
-    return underGuard(store(), [&] { return wideOrNone(item_->localised(textOf(locale))); });
+    return underGuard(store(), [&] { return displayNameOf(*item_, textOf(locale)); });
 }
 
 }  // namespace norvane::platform::data

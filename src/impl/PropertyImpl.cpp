@@ -1,6 +1,7 @@
 #include "impl/PropertyImpl.h"
 
 #include "impl/DesignTableImpl.h"
+#include "impl/DisplayNames.h"
 #include "impl/Kinds.h"
 #include "impl/Text.h"
 #include "model/Open.h"
@@ -42,7 +43,7 @@ std::uint32_t PropertyImpl::localisedCount() {
 }
 
 WideString PropertyImpl::localeAt(std::uint32_t index) {
-    return underGuard(store(), [&] { return wideOrNone(item_->localeAt(index)); });
+    return underGuard(store(), [&] { return localeOf(*item_, index); });
 }
 
 void PropertyImpl::setLocalised(WideString locale, WideString text) {
@@ -50,7 +51,7 @@ void PropertyImpl::setLocalised(WideString locale, WideString text) {
 }
 
 WideString PropertyImpl::localised(WideString locale) {
-    return underGuard(store(), [&] { return wideOrNone(item_->localised(textOf(locale))); });
+    return underGuard(store(), [&] { return displayNameOf(*item_, textOf(locale)); });
 }
 
 std::uint8_t PropertyImpl::flags() {

@@ -147,6 +147,16 @@ TYPED_TEST(LocalisedTest, EmptyTextIsATextAndRemovesNothing) {
     EXPECT_EQ(this->handle->localeAt(0), u"en");
 }
 
+TYPED_TEST(LocalisedTest, EmptyTextsAreToldFromNone) {
+    this->handle->setLocalised(u"", u"");
+    this->reopen();
+
+    EXPECT_NE(this->handle->localeAt(0).value(), nullptr);
+    EXPECT_NE(this->handle->localised(u"").value(), nullptr);
+    EXPECT_EQ(this->handle->localeAt(1).value(), nullptr);
+    EXPECT_EQ(this->handle->localised(u"en").value(), nullptr);
+}
+
 TYPED_TEST(LocalisedTest, RemovingTheLastOneNeverReachesTheStore) {
     this->handle->setLocalised(u"en", u"wall");
     this->reopen();

@@ -6,7 +6,7 @@
 namespace qvt {
 
 // What the command line asks for: a verb to run with its options, or, without a verb, a status to end with;
-// then all that was to be printed is printed.
+// all that was to be printed is printed then.
 struct Command {
     const Verb* verb = nullptr;
     Options options;

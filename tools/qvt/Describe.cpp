@@ -7,15 +7,14 @@ namespace qvt {
 namespace {
 
 constexpr std::uint32_t kMostNumbers = 16;  // a 4x4 matrix
-constexpr std::uint32_t kMostUnits = 256;
+constexpr std::uint32_t kMostUnits = 256;   // shows more characters than are printed, and the next text
 constexpr std::size_t kMostCharacters = 60;
 
 std::string shortTexts(const Value& value) {
     const std::vector<std::string> texts = value.texts();
-    if (texts.empty() && value.count() != 0) return "…";
     if (texts.empty()) return "";
     const std::string first = inQuotesCut(texts.front(), kMostCharacters);
-    return texts.size() == 1 && !value.isCut() ? first : first + " …";
+    return texts.size() == 1 ? first : first + " …";
 }
 
 std::string shortStruct(const Value& value) {

@@ -89,7 +89,9 @@ class NotingLocator : public ISchemaLocator {
     void warn(const Messages& messages, const Input& input) const {
         if (missing_.empty()) return;
         std::string words = "class " + first_ + " is not known";
-        if (missing_.size() > 1) words += ", nor are " + std::to_string(missing_.size() - 1) + " others";
+        const std::size_t others = missing_.size() - 1;
+        if (others == 1) words += ", nor is another one";
+        if (others > 1) words += ", nor are " + std::to_string(others) + " others";
         messages.warn(input.name(), firstPlace_, words + " (--schemas DOC says where to look)");
     }
 
@@ -118,10 +120,15 @@ class NotingLocator : public ISchemaLocator {
     Place firstPlace_;
 };
 
+// The parser's own words for a stray character say once more what the message says already.
+std::string wordsFor(const std::string& text) {
+    return text == "not well-formed (invalid token)" ? "invalid token" : text;
+}
+
 [[noreturn]] void failAt(const Input& input, const DocumentReader& reader) {
-    throw Failure(kMissing, placeIn(input.name(), reader.stopPlace()) + ": error: " +
-                                (reader.isMalformed() ? "not well-formed: " : "reading stopped: ") +
-                                reader.stopText());
+    const char* what = reader.isMalformed() ? "not well-formed: " : "reading stopped: ";
+    throw Failure(kMissing, placeIn(input.name(), reader.stopPlace()) + ": error: " + what +
+                                wordsFor(reader.stopText()));
 }
 
 }  // namespace

@@ -28,6 +28,8 @@ Object makeTop(IDataStore& store) {
 
 }  // namespace
 
+Failure nothingRead(const std::string& file) { return {kNo, file + ": error: nothing was read"}; }
+
 Lookup::Lookup(const std::vector<std::unique_ptr<MemoryDataStore>>& libraries)
     : locator(ISchemaLocator::make(&store)) {
     for (const auto& library : libraries) locator->addStore(library.get());
@@ -87,7 +89,7 @@ Object ObjectsView::find(const std::string& path) const {
 Object ObjectsView::get(const std::string& path) const {
     Object found = find(path);
     if (found) return found;
-    if (path.empty()) throw Failure(kMissing, file_ + ": error: nothing was read");
+    if (path.empty()) throw nothingRead(file_);
     const std::string prefix = longestPrefix(path);
     throw Failure(kMissing, file_ + ": error: nothing at " + path +
                                 (prefix.empty() ? std::string() : ", though there is " + prefix));

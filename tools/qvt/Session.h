@@ -17,6 +17,9 @@ namespace qvt {
 
 using core::storage::datastore::MemoryDataStore;
 
+// For a document whose outermost element was reported and skipped.
+Failure nothingRead(const std::string& file);
+
 // A store for one document and a locator that knows this store and those of the libraries.
 struct Lookup {
     explicit Lookup(const std::vector<std::unique_ptr<MemoryDataStore>>& libraries);

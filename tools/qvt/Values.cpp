@@ -105,9 +105,11 @@ Json numberArray(std::uint32_t type, const std::byte* bytes, std::size_t size) {
     return result;
 }
 
-std::vector<std::string> textsIn(const std::byte* bytes, std::size_t size) {
+// What stands behind the last NUL is no text, except where the rest was not read.
+std::vector<std::string> textsIn(const std::byte* bytes, std::size_t size, bool isCut = false) {
     std::u16string units(size / sizeof(char16_t), u'\0');
     std::memcpy(units.data(), bytes, units.size() * sizeof(char16_t));
+    if (isCut) units += u'\0';
     const std::unique_ptr<metadata::IStringArray> strings(
         metadata::IStringArray::to(units.data(), static_cast<unsigned>(units.size())));
     std::vector<std::string> texts(strings->count());
@@ -158,7 +160,7 @@ Value::Value(IPrimitive& primitive, ISchemaLocator* locator, std::uint32_t mostE
 
 std::string Value::numbers() const { return numberTexts(type_, bytes_.data(), bytes_.size()); }
 
-std::vector<std::string> Value::texts() const { return textsIn(bytes_.data(), bytes_.size()); }
+std::vector<std::string> Value::texts() const { return textsIn(bytes_.data(), bytes_.size(), isCut()); }
 
 std::string Value::base64() const { return base64Of(bytes_.data(), bytes_.size()); }
 

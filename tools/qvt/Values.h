@@ -31,7 +31,7 @@ class Value {
 
     // All numbers, shortest form that reads back as the same number, separated by blanks. Of `numbers` only.
     std::string numbers() const;
-    // Of `texts` only.
+    // Of `texts` only. Of a cut value, the last one may be the beginning of a text.
     std::vector<std::string> texts() const;
     // Base64. Of `bytes` only.
     std::string base64() const;

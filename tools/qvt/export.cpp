@@ -50,7 +50,7 @@ void writeCopy(const Object& object, Output& output, ISchemaLocator* locator) {
 
 int exportAll(Session& session, const Options& options) {
     RecordsView view(session);
-    if (view.store().size() == 0) throw Failure(kNo, session.input().name() + ": error: nothing was read");
+    if (view.store().size() == 0) throw nothingRead(session.input().name());
     Output output(options);
     write(view.store(), output, view.locator(), 0);
     output.finish();

@@ -25,9 +25,10 @@ int fault(const std::string& words) {
     return qvt::kFault;
 }
 
-int run(const qvt::Command& command) {
+int run(int argc, const char* const* argv) {
     try {
-        return command.verb->run(command.options);
+        const qvt::Command command = qvt::commandOf(argc, argv);
+        return command.verb ? command.verb->run(command.options) : command.status;
     } catch (const qvt::OutputClosed&) {
         return qvt::kDone;
     } catch (const qvt::Failure& failure) {
@@ -46,6 +47,5 @@ int run(const qvt::Command& command) {
 int main(int argc, char** argv) {
     occupyStandardDescriptors();
     std::signal(SIGPIPE, SIG_IGN);  // a write tells it too
-    const qvt::Command command = qvt::commandOf(argc, argv);
-    return command.verb ? run(command) : command.status;
+    return run(argc, argv);
 }

@@ -142,16 +142,26 @@ class Report {
     std::string text() const {
         Table table;
         for (const auto& [name, number] : numbers()) table.add({name, std::to_string(number)});
-        for (const auto& [kind, records] : kinds_)
-            table.add({"record kind " + kind, std::to_string(records.count) + " records, " +
-                                                  std::to_string(records.bytes) + " bytes"});
-        for (const auto& [name, counts] : tables())
-            for (const auto& [what, count] : *counts)
-                table.add({name + (" " + printable(what)), std::to_string(count)});
-        return table.text();
+        std::string text = table.text() + recordsText();
+        for (const auto& [name, counts] : tables()) text += countsText(name, *counts);
+        return text;
     }
 
   private:
+    std::string recordsText() const {
+        Table table;
+        for (const auto& [kind, records] : kinds_)
+            table.add({"  " + kind, std::to_string(records.count) + " records",
+                       std::to_string(records.bytes) + " bytes"});
+        return "recordKinds\n" + table.text();
+    }
+
+    static std::string countsText(const std::string& title, const Counts& counts) {
+        Table table;
+        for (const auto& [what, count] : counts) table.add({"  " + std::to_string(count), printable(what)});
+        return counts.empty() ? std::string() : title + "\n" + table.text();
+    }
+
     std::vector<std::pair<const char*, std::uint64_t>> numbers() const {
         const Totals& t = totals_;
         return {{"version", version_},

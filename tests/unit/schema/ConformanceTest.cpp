@@ -128,6 +128,16 @@ TEST_F(MatchesStructure, EmptyTypeBesideAnotherAsksNothing) {
     EXPECT_FALSE(matches(table({u"y"}), u"A;B"));
 }
 
+// What counts are the members, not the fields that they make.
+TEST_F(MatchesStructure, TypeOfAnEmptyTableIsNotEmpty) {
+    build_.table(build_.table(0, u"T"), u"part");
+    const Offset item = group({u"x"});
+    EXPECT_FALSE(matches(item, u"T"));
+
+    build_.table(item, u"part");
+    EXPECT_TRUE(matches(item, u"T"));
+}
+
 TEST_F(MatchesStructure, EveryTypeIsLookedForFromTheBeginning) {
     type(u"A", {u"y"});
     type(u"B", {u"x"});

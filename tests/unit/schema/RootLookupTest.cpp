@@ -129,6 +129,20 @@ TEST_P(RootLookupOn, AListThatIsAnotherOneIsReadAnew) {
     EXPECT_EQ(find(u"b"), IDataStore::BADOFF);
 }
 
+TEST_P(RootLookupOn, AnotherListWithTheSameLastChildIsReadAnew) {
+    build_.container(0, u"a");
+    const Offset last = build_.container(0, u"last");
+    EXPECT_EQ(find(u"b"), IDataStore::BADOFF);
+
+    const Offset b = Structural::Container(&memory_, 1, u"b").offset();
+    Record::Offsets other(&memory_);
+    const Offset children[] = {b, last};
+    other.append(children, 2);
+    Record::storeField(&memory_, 0, field::children, other.offset());
+
+    EXPECT_EQ(find(u"b"), b);
+}
+
 TEST_P(RootLookupOn, AChildOfAnotherNameNowIsNotFound) {
     const Offset table = build_.table(0, u"T");
     EXPECT_EQ(find(u"T"), table);
@@ -156,7 +170,7 @@ TEST_P(RootLookupOn, AForgottenStoreIsReadAnew) {
     EXPECT_EQ(find(u"T"), added);
 }
 
-TEST_P(RootLookupOn, MoreAndLongerNamesThanAreRememberedAreFoundToo) {
+TEST_P(RootLookupOn, ManyAndLongNamesAreFoundAfterTheyWereMissed) {
     std::vector<std::u16string> names;
     for (int i = 0; i < 600; ++i) {
         const std::string digits = std::to_string(i);

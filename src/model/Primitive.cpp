@@ -159,6 +159,28 @@ std::byte* Primitive::valueIn(Record::Primitive& record) {
     return record.bytes() + record.view().sectionPosition(field::valueSize);
 }
 
+// Adds behind the value without a rewrite, so that many strings that come one by one do not cost the square
+// of their number. Only stores that also change records in place are made to extend by more than a list's
+// entry.
+bool Primitive::storeBehind(const void* source, std::uint64_t position, std::uint64_t size) {
+    {
+        const Record::Snapshot record(store(), offset());
+        const std::uint32_t there = record->section(field::valueSize).size;
+        const bool endsThere = record->sectionPosition(field::valueSize) + there == record->size();
+        if (!endsThere || position != there || position != valueSize_ || position == 0) return false;
+        if (record->size() + size > store()->recordLimit()) return false;
+    }
+    const auto patchSize = [this](std::uint64_t valueSize) {
+        const auto stored = static_cast<std::uint32_t>(valueSize);
+        return store()->patch(offset(), field::valueSize.position, &stored, sizeof stored, true);
+    };
+    if (!patchSize(position)) return false;
+    store()->extend(offset(), source, static_cast<std::uint32_t>(size));
+    patchSize(position + size);
+    valueSize_ = static_cast<std::uint32_t>(position + size);
+    return true;
+}
+
 bool Primitive::writeValues(const void* source, std::uint32_t start, std::uint32_t count) {
     const std::uint64_t position = std::uint64_t{elementSize()} * start;
     const std::uint64_t size = std::uint64_t{elementSize()} * count;
@@ -169,6 +191,7 @@ bool Primitive::writeValues(const void* source, std::uint32_t start, std::uint32
         if (storeInPlace(from, position, size)) return true;
         valueSize_ = Record::Snapshot(store(), offset())->section(field::valueSize).size;
     }
+    if (storeBehind(from, position, size)) return true;
     Record::Primitive record(store(), offset());
     if (!lengthenValue(record, position + size)) return false;
     std::memcpy(valueIn(record) + position, from, size);
@@ -177,23 +200,48 @@ bool Primitive::writeValues(const void* source, std::uint32_t start, std::uint32
     return true;
 }
 
+namespace {
+
+// Lays the elements that are given over those of `value`.
+void overlay(std::byte* value, const std::byte* elements, const std::vector<unsigned char>& isGiven,
+             std::uint64_t count, std::uint64_t element) {
+    for (std::uint64_t i = 0; i < count; ++i)
+        if (isGiven[i] != 0) std::memcpy(value + i * element, elements + i * element, element);
+}
+
+}  // namespace
+
+// False when the record, which another object may have changed, does not have that many elements. What lies
+// behind them is not touched: a few numbers laid over a long value cost no more than a few.
+bool Primitive::overlayInPlace(const std::byte* elements, const std::vector<unsigned char>& isGiven,
+                               std::uint64_t count) {
+    std::vector<std::byte> value(count * elementSize());
+    {
+        const Record::Snapshot record(store(), offset());
+        const Record::Section there = record->section(field::valueSize);
+        if (value.size() > there.size) return false;
+        std::memcpy(value.data(), there.begin, value.size());
+    }
+    overlay(value.data(), elements, isGiven, count, elementSize());
+    return storeInPlace(value.data(), 0, value.size());
+}
+
 bool Primitive::overlayValues(const std::byte* elements, const std::vector<unsigned char>& isGiven) {
     const std::uint64_t element = elementSize();
     const auto last =
         std::find_if(isGiven.rbegin(), isGiven.rend(), [](unsigned char each) { return each != 0; });
     const auto count = static_cast<std::uint64_t>(isGiven.rend() - last);
+    if (count * element == 0 || hasUri_) return false;
+    if (count <= this->count()) {
+        if (overlayInPlace(elements, isGiven, count)) return true;
+        valueSize_ = Record::Snapshot(store(), offset())->section(field::valueSize).size;
+    }
     Record::Primitive record(store(), offset());
-    if (count * element == 0 || hasUri_ || !takes(record, field::valueSize, 0)) return false;
-
-    const std::uint32_t there = record.view().section(field::valueSize).size;
-    const bool isInside = count <= this->count() && count * element <= there;
-    if (!isInside && count <= this->count()) valueSize_ = there;
-    if (!isInside && !lengthenValue(record, count * element)) throw TooLarge();
-    std::byte* value = valueIn(record);
-    for (std::uint64_t i = 0; i < count; ++i)
-        if (isGiven[i] != 0) std::memcpy(value + i * element, elements + i * element, element);
+    if (!takes(record, field::valueSize, 0)) return false;
+    if (!lengthenValue(record, count * element)) throw TooLarge();
+    overlay(valueIn(record), elements, isGiven, count, element);
     record.commit();
-    if (!isInside) valueSize_ = static_cast<std::uint32_t>(count * element);
+    valueSize_ = static_cast<std::uint32_t>(count * element);
     return true;
 }
 

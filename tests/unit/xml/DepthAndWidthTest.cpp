@@ -1,12 +1,13 @@
 // Documents of great depth, width and length.
 #include <pthread.h>
 
-#include <ctime>
-
+#include "support/CpuTime.h"
 #include "unit/xml/Documents.h"
 
 namespace norvane::platform::data::test {
 namespace {
+
+using platform::test::threadSeconds;
 
 // Runs something on a stack of that many bytes.
 template <class Work>
@@ -68,13 +69,15 @@ TEST(Depth, SkippedLevelsAreCounted) {
     EXPECT_NE(Metadata::resolvePath(&store, 0, u"after"), IDataStore::BADOFF);
 }
 
-// Time of the processor: others may use the machine meanwhile.
 template <class Work>
 double secondsOf(Work work) {
-    const std::clock_t start = std::clock();
+    const double start = threadSeconds();
     work();
-    return static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC;
+    return threadSeconds() - start;
 }
+
+// Eight times the work may take eight times as long; work that grows with the square would take 64 times.
+constexpr double kLinear = 20;
 
 std::string siblings(int count) {
     std::string content;
@@ -83,9 +86,6 @@ std::string siblings(int count) {
                    "'>1</int8>";
     return inGroup(content);
 }
-
-// Eight times the work may take eight times as long; work that grows with the square would take 64 times.
-constexpr double kLinear = 20;
 
 TEST(Width, SiblingsWithALongCommonBeginningAreReadInLinearTime) {
     const std::string few = siblings(12500);
@@ -145,6 +145,35 @@ TEST(Length, ManyStringsOfOneValueAreWrittenInLinearTime) {
     const auto few = made(12500);
     const auto many = made(100000);
     EXPECT_LT(secondsOf([&] { many->written(); }) / secondsOf([&] { few->written(); }), kLinear);
+}
+
+std::string repeated(const std::string& piece, int count) {
+    std::string text;
+    for (int i = 0; i < count; ++i) text += piece;
+    return text;
+}
+
+TEST(Length, ManyStringsOfOneValueAreReadInLinearTime) {
+    const auto document = [](int count) {
+        return inGroup("<string name='s'>" + repeated("<val>some text</val>", count) + "</string>");
+    };
+    const std::string few = document(12500);
+    const std::string many = document(100000);
+    const double ratio = secondsOf([&] { Document read(many); }) / secondsOf([&] { Document read(few); });
+    EXPECT_LT(ratio, kLinear);
+    EXPECT_EQ(Document(many).record("g.s")->load(Record::field::valueSize), 100000U * 20U);
+}
+
+TEST(Length, FewNumbersLaidOverALongValueCostNoMoreThanOverAShortOne) {
+    const auto document = [](const std::string& dimension) {
+        return inGroup("<int8 name='i' dim='" + dimension + "'>" + repeated("<val>1</val>", 20000) +
+                       "</int8>" + repeated("<int8 name='i'>2</int8>", 5000));
+    };
+    const std::string over100 = document("100");
+    const std::string over1000000 = document("1000000");
+    const double ratio =
+        secondsOf([&] { Document read(over1000000); }) / secondsOf([&] { Document read(over100); });
+    EXPECT_LT(ratio, 4);
 }
 
 }  // namespace

@@ -39,7 +39,7 @@ class Deep(ToolTest):
 
 class Wide(ToolTest):
     def test_ALargeNumberOfNamesWithOneBeginningIsReadAndDrawn(self):
-        count = 100000
+        count = 30000
         self.document('<root name="r">' + "".join(
             f'<group name="the_beginning_that_all_of_them_have_in_common_{i}"/>' for i in range(count)) + "</root>")
         self.assertEqual(len(self.done("tree", "model.xml").lines), count + 1)

@@ -83,8 +83,7 @@ void addChoices(CLI::App& app, const Verb& verb, Options& options) {
     }
     if (verb.has(Verb::kRecordOptions)) app.add_flag("--all", options.all, "every record");
     if (verb.has(Verb::kJson)) addWords(app, "-f,--format", kFormats, options.format, "form of the answer");
-    if (verb.has(Verb::kColor))
-        addWords(app, "--color", kColors, options.color, "colours; auto heeds the terminal and NO_COLOR");
+    addWords(app, "--color", kColors, options.color, "colours of tree; auto heeds the terminal and NO_COLOR");
     app.add_option("-o,--output", options.output,
                    "write to a file, which takes its name only when it is whole")
         ->type_name("FILE");

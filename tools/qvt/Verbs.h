@@ -16,7 +16,6 @@ struct Verb {
         kTreeOptions = 32,    // -d and --values
         kRecordOptions = 64,  // [OFFSET] or --all
         kOptionalName = 128,  // [NAME]
-        kColor = 256,         // --color
     };
 
     const char* name;

@@ -1,0 +1,76 @@
+#!/usr/bin/env python3
+"""Runs every block of code in a page.
+
+A `cpp` block is a program: it is compiled against the public headers and the shared libraries, run, and must print
+what stands in the `text` block behind it. A `console` block is a session: each line that begins with "$ " is run in
+examples/documents, and must print the lines below it.
+
+usage: blocks.py PAGE
+The environment says what to build with: CXX, CXXFLAGS, QVT (the tool), QVT_LIBRARIES (their folder), QVT_SOURCE.
+"""
+
+import os
+import pathlib
+import re
+import shlex
+import subprocess
+import sys
+import tempfile
+
+SOURCE = pathlib.Path(os.environ["QVT_SOURCE"])
+END = "\x1e"
+
+
+def blocks(page):
+    """Language and lines of each fenced block."""
+    return re.findall(r"^```(\w*)\n(.*?)^```$", page, re.MULTILINE | re.DOTALL)
+
+
+def run_program(code, standard):
+    with tempfile.TemporaryDirectory() as folder:
+        source, program = pathlib.Path(folder, "block.cpp"), pathlib.Path(folder, "block")
+        source.write_text(code)
+        libraries = os.environ["QVT_LIBRARIES"]
+        subprocess.run([os.environ["CXX"], *shlex.split(os.environ["CXXFLAGS"]), f"-std={standard}", "-Wall", "-Wextra",
+                        "-Werror", f"-I{SOURCE}/include", source, "-o", program, f"-L{libraries}",
+                        f"-Wl,-rpath,{libraries}", "-lqvt_data-3_0", "-lqvt_core-3_0"], check=True)
+        return subprocess.run([program], check=True, stdout=subprocess.PIPE).stdout.decode()
+
+
+def run_session(commands):
+    """What each command prints, one after the other in one shell."""
+    script = f"qvt() {{ {shlex.quote(os.environ['QVT'])} \"$@\"; }}\n"
+    script += "".join(f"{{ {command}\n}} 2>&1; printf '\\036'\n" for command in commands)
+    run = subprocess.run(["bash", "-c", script], cwd=SOURCE / "examples" / "documents", stdout=subprocess.PIPE)
+    return run.stdout.decode().split(END)[:-1]
+
+
+def check(what, expected, printed):
+    if printed != expected:
+        sys.exit(f"{what}\nprints\n{printed}\nand not\n{expected}")
+
+
+def check_session(text):
+    steps = re.findall(r"^\$ (.*)\n((?:(?!\$ ).*\n)*)", text, re.MULTILINE)
+    commands = [command for command, _ in steps]
+    for (command, expected), printed in zip(steps, run_session(commands), strict=True):
+        check("$ " + command, expected, printed)
+    return len(steps)
+
+
+def main(path):
+    found = blocks(pathlib.Path(path).read_text())
+    programs = commands = 0
+    for (language, text), (after, output) in zip(found, [*found[1:], ("", "")]):
+        if language == "cpp":
+            for standard in ("c++17", "c++20"):
+                check("the program", output if after == "text" else "", run_program(text, standard))
+            programs += 1
+        elif language == "console":
+            commands += check_session(text)
+    print(f"{programs} programs and {commands} commands do what {path} says")
+    if programs + commands == 0:
+        sys.exit("there is nothing to run")
+
+
+main(sys.argv[1])

@@ -43,14 +43,14 @@ class QVT_DATA_TYPE IPrimitive {
     virtual std::uint32_t units() = 0;
 
     /// Sets the class text by which the layout of a struct is found. False, with nothing changed, when the
-    /// type is not struct or `name` was never given text.
+    /// type is not struct, `name` was never given text, or it would not fit a record.
     virtual bool setStructType(WideString name) = 0;
 
     /// That class text; a WideString without text when there is none.
     virtual WideString structType() = 0;
 
     /// Makes the value a URI; a WideString without text makes it an empty value again. What the value was
-    /// before is gone both ways. Always true.
+    /// before is gone both ways. False, with nothing changed, only when it would not fit a record.
     virtual bool setUri(WideString uri) = 0;
 
     /// The URI; a WideString without text when the value is none.
@@ -68,8 +68,8 @@ class QVT_DATA_TYPE IPrimitive {
     /// with zeros in a gap; it never shrinks. `source` is the first element to write, except when the value
     /// is empty and `start` is not 0: then it is the element 0 of an array from which elements `start` and on
     /// are taken. False, with nothing changed, when `count` is 0, `source` is null, the value is a URI, the
-    /// type is none, or the value would not fit a record. On success the property and the tables and
-    /// containers around it lose kInherited.
+    /// type is none, or the value would not fit a record. On success the property loses kInherited, and so do
+    /// the tables and containers around it, up to the first that does not have it.
     virtual bool writeValues(const void* source, std::uint32_t start, std::uint32_t count) = 0;
 
     /// Replaces the value by `count` zero elements; nothing of the old value is kept. False, with nothing

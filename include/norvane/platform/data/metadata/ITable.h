@@ -44,12 +44,12 @@ class QVT_DATA_TYPE ITable {
 
     /// Makes a primitive of a tDataType and a unit id (0: none), without a value, as member. Neither number
     /// is checked. Null when `name`, read as a path, leads to something; nothing is made then. The member
-    /// bears the text as it is, dots included. A member made in a table that is still kInherited is not
-    /// written to documents until it gets a value.
+    /// bears the text as it is, dots included; made a second time under a name with dots, it is in no table.
+    /// A member made in a table that is still kInherited is not written to documents until it gets a value.
     virtual SharedPtr<IPrimitive> makePrimitive(WideString name, std::uint32_t type, std::uint32_t unit) = 0;
 
     /// Makes a table as member. A schema, when given, has its members copied in as inherited. Null when
-    /// `name`, read as a path, leads to something; nothing is made then.
+    /// `name`, read as a path, leads to something; nothing is made then. Dots in the name as above.
     virtual SharedPtr<ITable> makeTable(WideString name, ISchema* schema) = 0;
 
     /// Deletes the member with this name (no path) and all that lies below it. False, with nothing changed,

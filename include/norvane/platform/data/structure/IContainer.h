@@ -114,9 +114,10 @@ class QVT_DATA_TYPE IContainer {
     /// may stand between. A schema without members is never satisfied that way.
     virtual bool conforms(metadata::ISchema* schema, bool classOnly) = 0;
 
-    /// Copies the children of `source`, of any store, into this container. A child whose name, read as a
-    /// path, leads to something here already is left out, and both stay as they are. False when a child is of
-    /// an unknown kind; those before it stay copied. Takes this store's guard only.
+    /// Copies the children of `source`, of any store, into this container: as many as the handle on it
+    /// counts, from the list in its store. A child whose name, read as a path, leads to something here
+    /// already is left out, and both stay as they are. False when a child is of an unknown kind; those before
+    /// it stay copied. Takes this store's guard only.
     virtual bool merge(SharedPtr<IContainer> source) = 0;
 
     /// Copies this container into a store under a dotted path from its root: up to the last "." the parent,
@@ -133,7 +134,8 @@ class QVT_DATA_TYPE IContainer {
     virtual bool copy(WideString source, WideString destination, bool absolute) = 0;
 
     /// Copies a container, of any store, into this one under its own name. False when that name, read as a
-    /// path, leads to something here already. The item stays where it is.
+    /// path, leads to something here already. The item stays where it is. When a child bears that name, with
+    /// its dots, already, the answer is true but the copy is in no container.
     virtual bool add(SharedPtr<IContainer> item) = 0;
 
     /// The same for a property.

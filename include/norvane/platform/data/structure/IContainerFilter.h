@@ -26,7 +26,8 @@ class QVT_DATA_TYPE IContainerFilter {
     virtual bool previous() = 0;
 
     /// A new handle, with its facet, on the container under the cursor. Null past the end, for a container of
-    /// an unknown kind, and when the record is gone. Does not move the cursor.
+    /// an unknown kind (whose open count then stays raised), and when the record is gone. Does not move the
+    /// cursor.
     virtual SharedPtr<IContainer> value() = 0;
 };
 

@@ -10,6 +10,7 @@
 
 #include "model/ChildOrder.h"
 #include "model/Open.h"
+#include "records/OffsetSet.h"
 
 namespace norvane::platform::data::Metadata {
 
@@ -59,13 +60,13 @@ bool isClosed(const Record::View& entity) {
 }  // namespace
 
 bool isSubtreeClosed(IDataStore* store, std::uint32_t offset) {
-    std::unordered_set<std::uint32_t> met;
+    Record::OffsetSet met;
     std::vector<std::uint32_t> left{offset};
     while (!left.empty()) {
         const std::uint32_t current = left.back();
         left.pop_back();
         const Record::Snapshot entity(store, current);
-        if (!entity->isWholeChild() || !met.insert(current).second) continue;
+        if (!entity->isWholeChild() || !met.insert(current)) continue;
         if (!isClosed(*entity)) return false;
         for (std::uint32_t child : listedChildren(store, satellitesOf(*entity).list)) left.push_back(child);
     }
@@ -210,7 +211,7 @@ class Cloner {
     }
 
   private:
-    // A value that leads to no child is kept as it is; one that leads back to where the walk stands is left
+    // A value that leads to no child is kept as it is; one that leads to where the walk was before is left
     // out.
     void step(CopiedLevel& level) {
         const std::uint32_t child = level.at.takeNext();
@@ -227,7 +228,7 @@ class Cloner {
         level.at.offset = offset;
         {
             const Record::Snapshot entity(source_, offset);
-            if (!entity->isWholeChild() || way_.holds(offset)) {
+            if (!entity->isWholeChild() || !met_.insert(offset)) {
                 levels_.pop_back();
                 return false;
             }
@@ -235,7 +236,6 @@ class Cloner {
             level.copy.allocate(entity->size());
             std::memcpy(level.copy.bytes(), entity->bytes(), entity->size());
         }
-        way_.enter(offset);
         level.defaults = satellites.defaults;
         appendCopy(level.copy, parent);
         refer(level, field::locale, cloneSatellite(satellites.locale, Record::Kind::locale));
@@ -280,14 +280,13 @@ class Cloner {
         if (level.list) level.list->append(level.copies.data(), level.copies.size());
         refer(level, field::defaults, cloneSatellite(level.defaults, Record::Kind::offsets));
         if (level.isChanged) level.copy.commit();
-        way_.leave(level.at.offset);
         levels_.pop_back();
     }
 
     IDataStore* source_;
     IDataStore* target_;
     const CloneChanges& changes_;
-    Way way_;
+    Record::OffsetSet met_;
     std::deque<CopiedLevel> levels_;  // a level stays where it is while deeper ones come
 };
 

@@ -1,5 +1,5 @@
 // What is done to an entity with all below it. Nothing here recurses: a document may be nested as deep as
-// memory allows. In a damaged store a set can stand below itself; the walk does not enter it again.
+// memory allows. In a damaged store an entity can stand below itself or in two lists; no walk enters it twice.
 #pragma once
 
 #include <cstdint>

@@ -3,11 +3,11 @@
 #include <algorithm>
 #include <cstdint>
 #include <string>
-#include <unordered_set>
 #include <utility>
 #include <vector>
 
 #include "model/Open.h"
+#include "records/OffsetSet.h"
 #include "schema/ClassText.h"
 #include "schema/SchemaImpl.h"
 
@@ -23,8 +23,7 @@ constexpr auto kContainer = static_cast<std::uint8_t>(Record::Kind::container);
 
 // Where a walk stands among the children of one record.
 struct WalkEntry {
-    WalkEntry(IDataStore* store, std::uint32_t record)
-        : offset(record), recordKind(Record::kindOf(store, record)) {
+    WalkEntry(IDataStore* store, std::uint32_t record) : recordKind(Record::kindOf(store, record)) {
         if (recordKind == kTable || recordKind == kContainer)
             children = Metadata::openSet(store, record, Metadata::Opening::transient)->countedChildren();
     }
@@ -32,7 +31,6 @@ struct WalkEntry {
     bool isDone() const { return position >= children.size(); }
     std::uint32_t child() const { return children[position]; }
 
-    std::uint32_t offset;
     std::uint8_t recordKind;
     std::vector<std::uint32_t> children;
     std::size_t position = 0;
@@ -72,16 +70,15 @@ class SchemaWalker {
     }
 
   private:
-    // A damaged type can stand below itself. What cannot be walked to its end is not satisfied.
+    // A damaged type can hold a table twice or below itself. What cannot be walked once is not satisfied.
     bool enter(std::uint32_t item, std::uint32_t type) {
-        if (!way_.insert(type).second) return false;
+        if (!met_.insert(type)) return false;
         items_.emplace_back(itemStore_, item);
         types_.emplace_back(typeStore_, type);
         return types_.back().recordKind == kTable;
     }
 
     void leave() {
-        way_.erase(types_.back().offset);
         items_.pop_back();
         types_.pop_back();
         if (!types_.empty()) passMatch();
@@ -109,7 +106,7 @@ class SchemaWalker {
     IDataStore* typeStore_;
     std::vector<WalkEntry> items_;
     std::vector<WalkEntry> types_;
-    std::unordered_set<std::uint32_t> way_;
+    Record::OffsetSet met_;
 };
 
 }  // namespace

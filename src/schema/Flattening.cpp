@@ -21,8 +21,8 @@ void appendIndex(std::u16string& text, std::uint32_t index) {
 }  // namespace
 
 Flattening::Flattening(Layout& layout) : layout_(layout), store_(layout.table().store()) {
-    way_.insert(layout.table().offset());
-    levels_.push_back({layout.table().offset(), layout.table().countedChildren(), 0, 0});
+    met_.insert(layout.table().offset());
+    levels_.push_back({layout.table().countedChildren(), 0, 0});
 }
 
 bool Flattening::advance() {
@@ -52,15 +52,14 @@ bool Flattening::visit(std::uint32_t offset) {
 }
 
 void Flattening::enter(std::uint32_t offset) {
-    if (!way_.insert(offset).second) return;
+    if (!met_.insert(offset)) return;
     Design::Table table(store_, offset, Metadata::Opening::transient);
-    levels_.push_back({offset, table.countedChildren(), 0, prefix_.size()});
+    levels_.push_back({table.countedChildren(), 0, prefix_.size()});
     prefix_.append(table.name()).push_back(u'.');
 }
 
 void Flattening::leave() {
     prefix_.resize(levels_.back().outerPrefix);
-    way_.erase(levels_.back().table);
     levels_.pop_back();
 }
 

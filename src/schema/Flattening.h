@@ -3,9 +3,9 @@
 
 #include <cstdint>
 #include <string>
-#include <unordered_set>
 #include <vector>
 
+#include "records/OffsetSet.h"
 #include "schema/Layout.h"
 
 namespace norvane::platform::data::Schema {
@@ -28,7 +28,6 @@ class Flattening {
 
   private:
     struct Level {
-        std::uint32_t table;
         std::vector<std::uint32_t> members;
         std::size_t next;
         std::size_t outerPrefix;  // length of the prefix outside of this table
@@ -43,7 +42,7 @@ class Flattening {
     Layout& layout_;
     IDataStore* store_;
     std::vector<Level> levels_;
-    std::unordered_set<std::uint32_t> way_;  // the tables walked through: a damaged one can hold itself
+    Record::OffsetSet met_;  // the tables walked through: a damaged one can hold another twice, or itself
     std::u16string prefix_;
     std::u16string structName_;
     std::u16string structType_;

@@ -1,5 +1,8 @@
 #include "schema/RootLookup.h"
 
+#include <optional>
+#include <utility>
+
 #include "model/Open.h"
 
 namespace norvane::platform::data::Schema {
@@ -8,71 +11,82 @@ namespace field = Record::field;
 
 namespace {
 
-// More names than this, or longer ones, are not remembered: memory for texts that nothing answers to must not
-// grow with the documents read.
-constexpr std::size_t kMostNames = 256;
-constexpr std::size_t kLongestName = 128;
-
 bool isChildOfName(IDataStore* store, std::uint32_t offset, std::u16string_view name) {
     const Record::Snapshot child(store, offset);
     return Record::isChildKind(child->kind()) && child->hasName(name);
 }
 
+// The list of record 0's children, or nothing if it is no root.
+std::optional<std::uint32_t> listOfRoot(IDataStore* store) {
+    const Record::Snapshot root(store, 0);
+    if (!root->isWhole(Record::Kind::root)) return std::nullopt;
+    return root->load(field::children);
+}
+
 }  // namespace
 
 std::uint32_t RootLookup::find(IDataStore* store, std::u16string_view name) {
-    Memo memo = recall(store, name);
+    if (isReserved(name)) return IDataStore::BADOFF;
+    Index index = take(store);
     const std::uint64_t stamp = store->changeStamp();
-    if (stamp != 0 && memo.stamp == stamp) return memo.found;
-
-    const Record::Snapshot root(store, 0);
-    if (!root->isWhole(Record::Kind::root) || isReserved(name) || name.size() > kLongestName)
-        return Metadata::findChild(store, 0, name);
-    const std::uint32_t listOffset = root->load(field::children);
-    const Record::Snapshot list(store, listOffset);
-    if (!list->isWhole(Record::Kind::offsets)) return IDataStore::BADOFF;
-
-    const std::uint32_t count = list->valueCount();
-    const bool isLonger = memo.list == listOffset && memo.looked <= count &&
-                          (memo.looked == 0 || list->value(memo.looked - 1) == memo.last);
-    if (!isLonger || (memo.found != IDataStore::BADOFF && !isChildOfName(store, memo.found, name)))
-        memo = Memo{.list = listOffset};
-    while (memo.found == IDataStore::BADOFF && memo.looked < count) {
-        memo.last = list->value(memo.looked++);
-        if (isChildOfName(store, memo.last, name)) memo.found = memo.last;
+    if (stamp == 0 || stamp != index.stamp) {
+        const std::optional<std::uint32_t> list = listOfRoot(store);
+        if (!list) return Metadata::findChild(store, 0, name);
+        index.follow(store, *list);
+        const std::uint32_t found = index.find(name);
+        if (found != IDataStore::BADOFF && !isChildOfName(store, found, name)) {
+            index = Index();
+            index.follow(store, *list);
+        }
+        index.stamp = stamp;
     }
-    memo.stamp = stamp;
-    remember(store, name, memo);
-    return memo.found;
+    const std::uint32_t found = index.find(name);
+    keep(store, std::move(index));
+    return found;
 }
 
-RootLookup::Memo RootLookup::recall(IDataStore* store, std::u16string_view name) {
-    const std::lock_guard lock(mutex_);
-    const auto memos = memos_.find(store);
-    if (memos == memos_.end()) return {};
-    const auto memo = memos->second.find(name);
-    return memo == memos->second.end() ? Memo() : memo->second;
+std::uint32_t RootLookup::Index::find(std::u16string_view name) const {
+    const auto child = children.find(name);
+    return child == children.end() ? std::uint32_t{IDataStore::BADOFF} : child->second;
 }
 
-void RootLookup::remember(IDataStore* store, std::u16string_view name, const Memo& memo) {
-    const std::lock_guard lock(mutex_);
-    Memos& memos = memos_[store];
-    if (const auto known = memos.find(name); known != memos.end()) {
-        known->second = memo;
-        return;
+// Whether the list is the one that was looked at, with nothing changed but values added behind.
+bool RootLookup::Index::isBegunBy(const Record::View& listed, std::uint32_t listOffset) const {
+    return list == listOffset && looked <= listed.valueCount() &&
+           (looked == 0 || listed.value(looked - 1) == last);
+}
+
+void RootLookup::Index::follow(IDataStore* store, std::uint32_t listOffset) {
+    const Record::Snapshot listed(store, listOffset);
+    if (!listed->isWhole(Record::Kind::offsets) || !isBegunBy(*listed, listOffset)) *this = Index();
+    list = listOffset;
+    if (!listed->isWhole(Record::Kind::offsets)) return;
+    while (looked < listed->valueCount()) {
+        last = listed->value(looked++);
+        const Record::Snapshot child(store, last);
+        if (Record::isChildKind(child->kind())) children.emplace(child->name(), last);
     }
-    if (memos.size() == kMostNames) memos.clear();
-    memos.emplace(name, memo);
+}
+
+RootLookup::Index RootLookup::take(IDataStore* store) {
+    const std::lock_guard lock(mutex_);
+    const auto index = indices_.find(store);
+    return index == indices_.end() ? Index() : std::exchange(index->second, Index());
+}
+
+void RootLookup::keep(IDataStore* store, Index&& index) {
+    const std::lock_guard lock(mutex_);
+    indices_[store] = std::move(index);
 }
 
 void RootLookup::forget(IDataStore* store) {
     const std::lock_guard lock(mutex_);
-    memos_.erase(store);
+    indices_.erase(store);
 }
 
 void RootLookup::forgetAll() {
     const std::lock_guard lock(mutex_);
-    memos_.clear();
+    indices_.clear();
 }
 
 }  // namespace norvane::platform::data::Schema

@@ -46,7 +46,8 @@ void DocumentWriter::write(std::uint32_t offset) {
 }
 
 void DocumentWriter::open(std::uint32_t offset) {
-    if (way_.count(offset) != 0) return;
+    if (offset == IDataStore::BADOFF) return;
+    if (!met_.insert(offset)) return;
     Owned<Metadata::Item> object = openEntity(store_, offset);
     if (!object || object->isInert() || (object->flags() & Record::kInherited) != 0) return;
     Element* handler = handlers_.of(*object);
@@ -54,13 +55,11 @@ void DocumentWriter::open(std::uint32_t offset) {
     handler->serialize(*object, serializer_);
     levels_.push_back({object.get(), childrenOf(*object), 0});
     object.release();
-    way_.insert(offset);
 }
 
 void DocumentWriter::close() {
     serializer_.endElement(false);
     const Owned<Metadata::Item> closing(levels_.back().object);
-    way_.erase(closing->offset());
     levels_.pop_back();
 }
 

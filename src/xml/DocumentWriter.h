@@ -3,9 +3,9 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <unordered_set>
 #include <vector>
 
+#include "records/OffsetSet.h"
 #include "xml/KeywordTable.h"
 
 namespace norvane::platform::data {
@@ -15,7 +15,8 @@ namespace norvane::platform::data {
 // look.
 //
 // Left out with all that lies below: what came from a class and was not changed, what no element can stand
-// for, and damaged records. In a damaged store a set can stand below itself; it is not written again there.
+// for, and damaged records. In a damaged store an entity can stand below itself or in two lists; it is
+// written where it is met first.
 class DocumentWriter {
   public:
     // All are borrowed; the locator may be null.
@@ -40,7 +41,7 @@ class DocumentWriter {
     XMLSerializer& serializer_;
     KeywordTable handlers_;
     std::vector<Level> levels_;
-    std::unordered_set<std::uint32_t> way_;
+    Record::OffsetSet met_;
 };
 
 }  // namespace norvane::platform::data

@@ -13,9 +13,8 @@ namespace norvane::platform::data {
 
 /// Reads the number at the start of a token; a tail that cannot continue it is ignored. Integers of less than
 /// 32 bits are read and stored as 32-bit ones without a look at their own range, so that `target` has room
-/// for 4 bytes, and for 8 from index 7 on except
-/// 9. False, with `target` left alone, when the token does not begin with a number or the number is out of
-/// range.
+/// for 4 bytes up to index 6 and at index 9, and for 8 at the others. False, with `target` left alone, when
+/// the token does not begin with a number or the number is out of range.
 bool parseNumber(const char* token, void* target, int index);
 
 /// The same for a token that ends at `end`, with or without a NUL there.

@@ -44,7 +44,8 @@ class QVT_DATA_TYPE IXMLFrontEnd {
     /// Writes the tree below the record at `offset` as a document: 0 for the whole store, BADOFF for a header
     /// alone. What came from a class and was not changed is left out, and so are struct values without a
     /// locator. Floats have at most 7 significant digits. Opens the writer and closes it; does not flush the
-    /// store. When something throws, the writer is not closed.
+    /// store. When something throws, the writer is not closed; a writer that takes no more bytes makes
+    /// `std::runtime_error` of it.
     static QVT_DATA_API void serialize(IDataStore* store, core::io::IDataWriter* writer,
                                        metadata::ISchemaLocator* locator, unsigned int offset);
 };

@@ -1,5 +1,6 @@
 // What is done to an entity with all below it. Nothing here recurses: a document may be nested as deep as
-// memory allows. In a damaged store an entity can stand below itself or in two lists; no walk enters it twice.
+// memory allows. In a damaged store an entity can stand below itself or in two lists; no walk enters it
+// twice.
 #pragma once
 
 #include <cstdint>

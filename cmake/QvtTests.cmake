@@ -24,6 +24,8 @@ function(qvt_test name)
     endif()
     add_executable(${name} ${test_SOURCES})
     qvt_warnings(${name})
+    # Tests are compiled far more often than they run: optimizing them costs more than it gives.
+    target_compile_options(${name} PRIVATE $<$<CONFIG:Debug>:-O0>)
     target_include_directories(${name} PRIVATE "${PROJECT_SOURCE_DIR}/tests")
     target_link_libraries(${name} PRIVATE ${tested} ${test_LINK} GTest::gmock GTest::gtest_main)
     set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/bin/tests")

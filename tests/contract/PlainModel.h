@@ -76,11 +76,12 @@ class Store {
         return {};
     }
 
-    // A walk that meets what is no set, with one part left, ends there.
+    // A walk that meets a primitive with one part left ends there; one that meets what is gone leads nowhere.
     std::optional<Id> walk(Id start, std::u16string_view path) {
         Id current = start;
         while (true) {
             const auto [part, rest, isLast] = cut(path);
+            if (!at(current).isAlive) return {};
             if (!isSet(current)) return isLast ? std::optional(current) : std::nullopt;
             const auto next = childOf(current, part);
             if (!next) return {};
@@ -184,6 +185,16 @@ class Store {
         return made;
     }
 
+    // By what a handle knows: it may have been opened before the entity had children or display names.
+    Id cloneThrough(const Memory& handle) {
+        const Id made = clone(handle.id);
+        if (!handle.knowsLocales) at(made).locales.reset();
+        if (handle.knowsList) return made;
+        at(made).children.clear();
+        at(made).hasList = false;
+        return made;
+    }
+
     void touch(Id id) {
         for (bool isStart = true; at(id).parent; isStart = false) {
             const bool isInherited = (at(id).flags & 4) != 0;
@@ -220,6 +231,7 @@ class ValueOf {
         if (count == 0 || handle_.hasUri) return false;
         const std::size_t position = std::size_t{start} * element_;
         const std::size_t size = std::size_t{count} * element_;
+        const bool isWholeArray = existing() == 0;  // what the host means by the source, by what it can know
         if (position + size <= existing() * element_) {
             if (position + size <= value_.size()) {
                 std::copy(source, source + size, value_.begin() + static_cast<std::ptrdiff_t>(position));
@@ -227,13 +239,11 @@ class ValueOf {
             }
             handle_.valueSize = static_cast<std::uint32_t>(value_.size());
         }
-        const bool isFirst = existing() == 0;
         std::vector<unsigned char> grown(position + size);
-        if (!isFirst)
-            std::copy_n(value_.begin(),
-                        std::min({std::size_t{handle_.valueSize}, value_.size(), grown.size()}),
-                        grown.begin());
-        std::copy_n(source + (isFirst ? position : 0), size,
+        const std::size_t kept =
+            existing() == 0 ? 0 : std::min(std::size_t{handle_.valueSize}, value_.size());
+        std::copy_n(value_.begin(), std::min(kept, grown.size()), grown.begin());
+        std::copy_n(source + (isWholeArray ? position : 0), size,
                     grown.begin() + static_cast<std::ptrdiff_t>(position));
         set(std::move(grown));
         return true;

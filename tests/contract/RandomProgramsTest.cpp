@@ -252,7 +252,7 @@ class Program {
     template <class Item>
     void add(ContainerHandle& handle, Item& item) {
         const bool expected = !store_.resolve(handle.memory, item.memory.name);
-        if (expected) store_.addThrough(handle.memory, store_.clone(item.memory.id));
+        if (expected) store_.addThrough(handle.memory, store_.cloneThrough(item.memory));
         ASSERT_EQ(handle.real->add(item.real), expected);
     }
 

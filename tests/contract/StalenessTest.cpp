@@ -203,6 +203,21 @@ TEST_F(StaleContainerTest, AddAndMergeTestNamesAgainstTheOldIndex) {
     EXPECT_EQ(namesIn(store, u"top"), (Names{u"old", u"p", u"new", u"new"}));
 }
 
+// The copy follows what the item's handle knows of its entity, not its record.
+TEST_F(StaleContainerTest, AddedItemComesWithWhatItsHandleKnows) {
+    const auto item = stale->find(u"old");
+    auto other = top->find(u"old");
+    makeGroup(*other, u"inner");
+    other->setLocalised(u"en", u"text");
+    other.reset();
+    const auto to = IContainerFrontEnd::toplevel(&store, u"to");
+
+    EXPECT_TRUE(to->add(item));
+
+    EXPECT_EQ(record(store, u"to/old").children(), noRecord());
+    EXPECT_EQ(record(store, u"to/old").locale(), noRecord());
+}
+
 // Two handles on one table with members "m" and "n".
 class StaleTableTest : public ModelTest {
   protected:
@@ -346,6 +361,15 @@ TEST_F(StalePrimitiveTest, WriteBehindTheEndOfAShortenedValueLengthensIt) {
     EXPECT_EQ(stale->count(), 3u);
     EXPECT_EQ(valuesOf<std::int32_t>(*stale), (std::vector<std::int32_t>{0, 0, 9}));
     EXPECT_EQ(record(store, u"top/p").at(38), 12u);
+}
+
+// A host that does not know that the value is empty gives the elements that it means to write, and no more.
+TEST_F(StalePrimitiveTest, WriteInsideAValueThatIsEmptyByNowTakesTheSourceFromItsBeginning) {
+    p->resize(0);
+
+    EXPECT_TRUE(write<std::int32_t>(*stale, {9}, 2));
+
+    EXPECT_EQ(valuesOf<std::int32_t>(*stale), (std::vector<std::int32_t>{0, 0, 9}));
 }
 
 TEST_F(StalePrimitiveTest, WriteThatGrowsKeepsAtMostWhatTheHandleKnows) {

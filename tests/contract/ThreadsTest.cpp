@@ -1,7 +1,11 @@
 // Several threads on one store, each with handles of its own.
+#include <atomic>
+#include <chrono>
+#include <future>
 #include <thread>
 
 #include "contract/Model.h"
+#include "support/ForwardingStore.h"
 
 namespace norvane::platform::test {
 namespace {
@@ -84,6 +88,50 @@ TEST_F(ThreadsTest, HandlesAreSharedAndDroppedAnywhere) {
 
     top.reset();
     EXPECT_EQ(openCountsOf(store), 0u);
+}
+
+// Stops whoever asks for its guard until it is told to go on.
+class StoppingStore : public ForwardingStore {
+  public:
+    explicit StoppingStore(IDataStore& store) : ForwardingStore(store, Extensions::off) {}
+
+    void waitUntilAsked() { asked_.get_future().wait(); }
+    void goOn() { goOn_.set_value(); }
+
+  protected:
+    void before(const char* call) override {
+        if (std::string_view(call) != "lock" || isStopped_) return;
+        isStopped_ = true;
+        asked_.set_value();
+        goOn_.get_future().wait();
+    }
+
+  private:
+    std::promise<void> asked_;
+    std::promise<void> goOn_;
+    bool isStopped_ = false;
+};
+
+TEST_F(ThreadsTest, ToplevelAndFindRunOneAtATimeWhateverTheStoreHandlesDoNot) {
+    const auto handle = IContainerFrontEnd::toplevel(&store, u"top");
+    MemoryDataStore memory;
+    StoppingStore stopping(memory);
+    std::thread first([&stopping] { IContainerFrontEnd::toplevel(&stopping, u"x"); });
+    stopping.waitUntilAsked();
+    std::atomic<bool> isDone = false;
+    std::thread second([this, &isDone] {
+        IContainerFrontEnd::find(&store, u"top");
+        isDone = true;
+    });
+
+    EXPECT_EQ(handle->name(), u"top");
+    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    EXPECT_FALSE(isDone);
+
+    stopping.goOn();
+    first.join();
+    second.join();
+    EXPECT_TRUE(isDone);
 }
 
 TEST_F(ThreadsTest, StoresAreIndependentOfEachOther) {

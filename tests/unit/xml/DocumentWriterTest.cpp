@@ -1,4 +1,5 @@
 // What is written of a store, and in which order.
+#include <map>
 #include <stdexcept>
 
 #include "support/LoggingStore.h"
@@ -269,6 +270,18 @@ TEST(Serialize, RecordsThatNoElementStandsForAreLeftOutWithAllBelow) {
               "<root version=\"0\" name=\"r\">\n  <group name=\"g\" class=\"\"/>\n</root>\n");
 }
 
+TEST(Serialize, RecordsThatAreCutShortAreLeftOut) {
+    Built built;
+    for (const std::uint32_t size : {1U, 10U, 30U}) {
+        const std::uint32_t offset =
+            built.addContainer(structure::kGroup, wide("cut" + std::to_string(size)));
+        std::string bytes(built.store.recordSize(offset), '\0');
+        built.store.read(offset, bytes.data(), 0xFFFFFFFF);
+        built.store.write(offset, bytes.data(), size, true);
+        EXPECT_EQ(written(built.store, nullptr, offset), "") << size;
+    }
+}
+
 TEST(Serialize, ChildThatIsListedTwiceIsWrittenOnce) {
     Built built;
     const std::uint32_t a = built.addContainer(structure::kGroup, u"a");
@@ -313,20 +326,24 @@ struct WatchingWriter : MemoryWriter {
     std::size_t write(const void*, std::size_t size) override {
         for (std::uint32_t offset = 0; offset < store.size(); ++offset) {
             const Record::Snapshot record(&store, offset);
-            if (record->kind() == 4) seen = std::max(seen, record->load(Record::field::openCount));
+            if (!Record::isEntity(record->kind())) continue;
+            seen[narrow(record->name())] =
+                std::max(seen[narrow(record->name())], record->load(Record::field::openCount));
         }
         return size;
     }
 
     IDataStore& store;
-    std::uint32_t seen = 0;
+    std::map<std::string, std::uint32_t> seen;
 };
 
 TEST(Serialize, ElementsOnTheWayDownAreOpenWhileTheHostsWriterIsCalled) {
-    Document document(inGroup("<string name='s'>" + std::string(1 << 20, 'x') + "</string><int8 name='i'/>"));
+    Document document(inGroup("<table name='t'><string name='s'>" + std::string(1 << 20, 'x') +
+                              "</string></table><int8 name='i'/>"));
     WatchingWriter writer(document.store);
     IXMLFrontEnd::serialize(&document.store, &writer, nullptr, 0);
-    EXPECT_EQ(writer.seen, 1U);
+    EXPECT_EQ(writer.seen,
+              (std::map<std::string, std::uint32_t>{{"r", 1}, {"g", 1}, {"t", 1}, {"s", 1}, {"i", 0}}));
     EXPECT_EQ(openCounts(document.store), 0U);
 }
 

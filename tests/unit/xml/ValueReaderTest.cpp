@@ -278,6 +278,17 @@ TEST(ReadStructs, FirstOfSeveralTypesCounts) {
     EXPECT_EQ(document.record("g.s")->text(Record::field::structTypeSize), u"X;A;B");
 }
 
+TEST(ReadStructs, RoomForWhatFitsNoRecordIsNotTaken) {
+    Library library("<table name='T'><int8 name='i'>1</int8><int32 name='u' uri='" +
+                    std::string(500000, 'x') + "'/></table>");
+    const std::string document = inGroup("<struct name='s' type='T'>" + ones(5000) + "</struct>");
+    MemoryDataStore store;
+    MemoryReader reader(document);
+    core::xml::DiagnosingReader diagnosing(reader);
+    IXMLFrontEnd::parse(&store, &diagnosing, library.locator(), nullptr, nullptr);
+    EXPECT_EQ(diagnosing.stopText(), "value too large for a record");
+}
+
 TEST(ReadValues, ThatFitNoRecordEndTheParse) {
     Library library("<table name='T'><int8 name='i'>1</int8><binary name='b' dim='700'/></table>");
     for (const std::string& element : {"<struct name='v' type='T'>" + ones(1402) + "</struct>",

@@ -440,6 +440,12 @@ TEST(XMLParsingLogic, AttributeWithANullValueIsNone) {
     EXPECT_EQ(written(driven.store), "<group name=\"g\" class=\"\"/>\n");
 }
 
+TEST(XMLParsingLogic, NullValueOfTheFirstOfTwoAttributesCounts) {
+    Driven driven;
+    driven.start("group", {"name", nullptr, "name", "g"});
+    EXPECT_THAT(driven.reports.texts, ElementsAre("group : missing mandatory 'id' attribute"));
+}
+
 TEST(XMLParsingLogic, TagWithoutAnArrayOfAttributesHasNone) {
     Driven driven;
     driven.logic.startElement("group", nullptr);

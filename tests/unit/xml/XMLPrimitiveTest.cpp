@@ -52,6 +52,12 @@ TEST(XMLPrimitive, DimIsReadUpToTheFirstCharacterThatIsNoDigit) {
     EXPECT_EQ(document.bytes("g.c").size(), 1U);
 }
 
+TEST(XMLPrimitive, DimIsDecimal) {
+    Document document(inGroup("<int8 name='a' dim='010'/><int8 name='b' dim='0x10'/>"));
+    EXPECT_EQ(document.bytes("g.a").size(), 10U);
+    EXPECT_EQ(document.bytes("g.b").size(), 0U);
+}
+
 TEST(XMLPrimitive, FewerNumbersThanDimLeaveTheRestZero) {
     Document document(inGroup("<int32 name='i' dim='3'>1 2</int32><vector3 name='v'>1 2</vector3>"));
     EXPECT_THAT(document.values<int>("g.i"), ElementsAre(1, 2, 0));
@@ -170,10 +176,27 @@ TEST(XMLPrimitive, StructBehindAUriHasItsTypeAndNoSize) {
     EXPECT_EQ(document.record("g.s")->text(Record::field::valueSize), u"u");
 }
 
+TEST(XMLPrimitive, StructBehindAUriMayHaveAnyDim) {
+    Library library("<table name='T'><double name='d'>1</double></table>");
+    Document document(inGroup("<struct name='s' type='T' dim='4294967295' uri='u'/><int8 name='after'/>"),
+                      library.locator());
+    EXPECT_TRUE(document.has("g.after"));
+}
+
+TEST(XMLPrimitive, TypeMeansNothingToElementsThatAreNoStructs) {
+    Library library("<table name='T'><double name='d'>1</double></table>");
+    Document document(inGroup("<int16 name='i' type='T' dim='2'/><int16 name='j' type='Unknown' dim='1'/>"),
+                      library.locator());
+    EXPECT_THAT(document.reports, IsEmpty());
+    EXPECT_EQ(document.bytes("g.i").size(), 4U);
+    EXPECT_EQ(document.bytes("g.j").size(), 2U);
+    EXPECT_EQ(document.record("g.i")->load(Record::field::structTypeSize), 0U);
+}
+
 TEST(XMLPrimitive, ValueThatFitsNoRecordEndsTheParseAtOnce) {
     for (const char* element :
          {"int8 name='i' dim='-1'", "int8 name='i' dim='4294967295'", "double name='i' dim='600000000'",
-          "struct name='i' type='T' dim='4294967295'"}) {
+          "struct name='i' type='T' dim='4294967295'", "struct name='i' type='T' dim='536870913'"}) {
         Library library("<table name='T'><double name='d'>2</double></table>");
         MemoryDataStore store;
         const std::string document =

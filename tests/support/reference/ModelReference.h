@@ -3,6 +3,7 @@
 // stores; the library must leave the same records, append and remove in the same order, and answer the same.
 #pragma once
 
+#include <memory>
 #include <sparsehash/dense_hash_map>
 #include <string>
 #include <vector>
@@ -22,7 +23,9 @@ struct PlainRecord {
     std::uint8_t u8(std::size_t position) const { return RecordBytes(bytes).u8At(position); }
     std::uint32_t u32(std::size_t position) const { return RecordBytes(bytes).u32At(position); }
     void put(std::size_t position, const std::string& value) { bytes.replace(position, value.size(), value); }
-    void putU32(std::size_t position, std::uint32_t value) { put(position, RecordBytes().u32(value).bytes()); }
+    void putU32(std::size_t position, std::uint32_t value) {
+        put(position, RecordBytes().u32(value).bytes());
+    }
     void putU8(std::size_t position, unsigned value) { put(position, RecordBytes().u8(value).bytes()); }
     void write(bool flag = true) {
         store.write(offset, bytes.data(), static_cast<std::uint32_t>(bytes.size()), flag);
@@ -104,12 +107,12 @@ using NameTable = google::dense_hash_map<const char16_t*, std::size_t, NameHash,
 
 // Indices of the names in table order. Names that were there before are not among them.
 inline std::vector<std::size_t> tableOrder(const std::vector<std::u16string>& names) {
-    NameTable table;
-    table.set_empty_key(u"$$$$$_____empty_key");
-    table.set_deleted_key(u"$$$$$_____deleted_key");
-    for (std::size_t i = 0; i < names.size(); ++i) table.insert({names[i].c_str(), i});
+    const auto table = std::make_unique<NameTable>();
+    table->set_empty_key(u"$$$$$_____empty_key");
+    table->set_deleted_key(u"$$$$$_____deleted_key");
+    for (std::size_t i = 0; i < names.size(); ++i) table->insert({names[i].c_str(), i});
     std::vector<std::size_t> order;
-    for (const auto& [name, index] : table) order.push_back(index);
+    for (const auto& [name, index] : *table) order.push_back(index);
     return order;
 }
 
@@ -207,7 +210,10 @@ inline bool isRemovable(IDataStore& store, Offset offset) {
     const PlainRecord entity(store, offset);
     if (entity.u8(0) == 1) return entity.u32(5) == 1;
     if (entity.u32(5) > 1) return false;
-    for (const Offset child : indexedChildren(store, entity.u32(14))) {
+    if (entity.u32(14) == IDataStore::BADOFF) return true;
+    // Also those that the index does not lead to: they are deleted as well.
+    for (const Offset child : valuesOf(store, entity.u32(14))) {
+        if (!hasObject(firstByte(store, child))) continue;
         const Opened open(store, child);
         if (!isRemovable(store, child)) return false;
     }
@@ -264,7 +270,7 @@ class PlainSet {
         Offset current = start;
         bool hasFailed = false;
         for (const std::u16string& part : parts) {
-            if (hasFailed) return IDataStore::BADOFF;
+            if (hasFailed || store.recordSize(current) == 0) return IDataStore::BADOFF;
             const unsigned kind = firstByte(store, current);
             if (kind == 0 || kind == 2 || kind == 4) {
                 current = PlainSet(store, current).find(part);

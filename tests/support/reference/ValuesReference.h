@@ -24,8 +24,7 @@ struct PlainSections {
 
     void replace(int which, const std::string& bytes) {
         section[which] = bytes;
-        header.replace(26 + 4 * static_cast<std::size_t>(which), 4,
-                       RecordBytes().u32(bytes.size()).bytes());
+        header.replace(26 + 4 * static_cast<std::size_t>(which), 4, RecordBytes().u32(bytes.size()).bytes());
     }
     void store(IDataStore& to, std::uint32_t offset) const {
         putAt(to, offset, RecordBytes(header + section[0] + section[1] + section[2] + section[3]));
@@ -111,7 +110,8 @@ class PlainPrimitive {
         if (valueSize_ == 0 || count == 0 || hasUri_ || elementSize() == 0) return 0;
         if (start + count > valueSize_ / elementSize()) return 0;
         const PlainSections sections(store_, offset_);
-        sections.section[3].copy(target, std::size_t{elementSize()} * count, std::size_t{elementSize()} * start);
+        sections.section[3].copy(target, std::size_t{elementSize()} * count,
+                                 std::size_t{elementSize()} * start);
         return count;
     }
 

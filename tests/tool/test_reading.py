@@ -51,10 +51,10 @@ class Reports(ToolTest):
         self.assertEqual(self.run_tool("tree", "model.xml").err,
                          "model.xml:1:32: error: struct : missing mandatory 'type' attribute for <struct>\n")
 
-    def test_DoNotLetControlCharactersThrough(self):
-        self.document('<root name="r"><group name="g"><\u009bx/></group></root>')
-        result = self.run_tool("tree", "model.xml")
-        self.assertNotIn("\u009b", result.err)
+    def test_DoNotLetTheControlCharactersOfAFileNameThrough(self):
+        name = self.document(ROOT.format("<nonsense/>"), "mod\u009b31mel\n.xml")
+        result = self.run_tool("tree", name)
+        self.assertEqual(result.err, "mod\\x9b31mel\\n.xml:1:16: error: nonsense : unknown element, skipping\n")
 
     def test_OfASkippedDocumentElementLeaveNothingToShow(self):
         self.document("<nonsense/>")

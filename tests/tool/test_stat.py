@@ -48,6 +48,11 @@ class Stat(ToolTest):
             self.document(text)
             self.assertEqual(self.done("stat", "model.xml", "-f", "json").json["maxDepth"], depth)
 
+    def test_NothingReadHasNoDepth(self):
+        self.document("<nonsense/>")
+        result = self.run_tool("stat", "model.xml", "-f", "json")
+        self.assertEqual((result.status, result.json["maxDepth"], result.json["records"]), (1, 0, 0))
+
     def test_AsTextHasTheSameNumbers(self):
         self.document(MODEL)
         counts = self.done("stat", "model.xml", "-f", "json").json

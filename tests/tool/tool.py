@@ -16,10 +16,9 @@ DOCUMENTS = SOURCE / "examples" / "documents"
 # A fault that a sanitizer finds must not look like one of the tool's own statuses.
 SANITIZED = {"ASAN_OPTIONS": "exitcode=99", "UBSAN_OPTIONS": "exitcode=99:print_stacktrace=1"}
 
-
 # Runs a command and says at last how much memory it had at most, in KiB.
 MEASURING = [sys.executable, "-c", """
-import os, resource, subprocess, sys
+import resource, subprocess, sys
 run = subprocess.run(sys.argv[1:])
 print("peak", resource.getrusage(resource.RUSAGE_CHILDREN).ru_maxrss, file=sys.stderr)
 sys.exit(run.returncode)

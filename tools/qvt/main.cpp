@@ -1,7 +1,4 @@
 // qvt: design data on the command line.
-#include <fcntl.h>
-#include <unistd.h>
-
 #include <csignal>
 #include <exception>
 #include <new>
@@ -12,13 +9,6 @@
 namespace {
 
 using qvt::Messages;
-
-// A file that is opened must not become standard output because that was closed.
-void occupyStandardDescriptors() {
-    int descriptor = ::open("/dev/null", O_RDONLY | O_CLOEXEC);
-    while (descriptor >= 0 && descriptor <= STDERR_FILENO) descriptor = ::open("/dev/null", O_RDONLY);
-    if (descriptor > STDERR_FILENO) ::close(descriptor);
-}
 
 int fault(const std::string& words) {
     Messages::fail("qvt: error: " + words);
@@ -45,7 +35,6 @@ int run(int argc, const char* const* argv) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    occupyStandardDescriptors();
     std::signal(SIGPIPE, SIG_IGN);  // a write tells it too
     return run(argc, argv);
 }

@@ -48,7 +48,8 @@ class Census {
 
     void take(ObjectsView& view) {
         totals.displayNames += displayNameCount(view.root());
-        totals.maxDepth = view.hasRoot() ? 1 : 0;
+        const std::uint64_t above = view.hasRoot() ? 1 : 0;
+        totals.maxDepth = above;
         Stack<Children> open;
         for (open.push(Children(view.root())); !open.isEmpty();) {
             if (open.top().isAtEnd()) {
@@ -57,8 +58,7 @@ class Census {
             }
             const Object object = open.top().take();
             count(object);
-            totals.maxDepth =
-                std::max<std::uint64_t>(totals.maxDepth, open.size() + (view.hasRoot() ? 1 : 0));
+            totals.maxDepth = std::max<std::uint64_t>(totals.maxDepth, open.size() + above);
             if (!object.primitive()) open.push(Children(object));
         }
     }

@@ -202,13 +202,24 @@ TEST_F(ConformsTest, PathToNothingOrToAPrimitiveIsFalse) {
     EXPECT_FALSE(top->conforms(u"x", locate(u"lib.A").get(), false));
 }
 
-TEST_F(ConformsTest, MembersAreLookedAtAsStoredClassTextAsOpened) {
+TEST_F(ConformsTest, MembersAreLookedAtAsStored) {
     makeType(u"A", {u"x"});
     const auto stale = makeWith(u"g", {});
     top->find(u"g")->makePrimitive(u"x", kInt32);
 
     EXPECT_TRUE(stale->isEmpty());
     EXPECT_TRUE(stale->conforms(locate(u"lib.A").get(), false));
+}
+
+TEST_F(ConformsTest, ClassTextIsThatOfTheOpening) {
+    makeType(u"A", {});
+    const auto schema = locate(u"lib.A");
+    const auto stale = top->makeContainer(kGroup, u"g", schema.get());
+
+    overwrite(store, recordAt(store, u"top/g"), 23, 0, 4);
+
+    EXPECT_TRUE(stale->conforms(schema.get(), true));
+    EXPECT_FALSE(top->find(u"g")->conforms(schema.get(), true));
 }
 
 TEST_F(ConformsTest, NothingConformsToNoSchema) {

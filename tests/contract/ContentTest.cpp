@@ -60,6 +60,16 @@ TEST_F(ContentTest, WholeNameIsComparedWithDirectChildren) {
     EXPECT_EQ(namesIn(store, u"top"), (Names{u"x", u"x.y", u"x.z", u"x.t"}));
 }
 
+TEST_F(ContentTest, NameWithADotIsFreeThoughItsPathLeadsSomewhere) {
+    const auto x = makeGroup(*top, u"x");
+    for (const char16_t* name : {u"p", u"t"}) makeGroup(*x, name);
+
+    EXPECT_TRUE(top->makePrimitive(u"x.p", kInt32));
+    EXPECT_TRUE(top->makeTable(u"x.t", nullptr));
+
+    EXPECT_EQ(namesIn(store, u"top"), (Names{u"x", u"x.p", u"x.t"}));
+}
+
 TEST_F(ContentTest, MissingNameIsTheEmptyOne) {
     EXPECT_EQ(top->makePrimitive(WideString(), kInt32)->property()->name(), u"");
     EXPECT_FALSE(top->makePrimitive(u"", kInt32));
@@ -235,6 +245,18 @@ TEST_F(ContentTest, MergeLeavesChildrenThatAreThereAsTheyAre) {
 
     EXPECT_EQ(namesIn(store, u"top/to"), (Names{u"x", u"y"}));
     EXPECT_EQ(record(store, u"top/to/x").kind(), 4);
+}
+
+TEST_F(ContentTest, MergeLeavesOutAChildWhoseNameIsAPathThatLeadsSomewhere) {
+    const auto from = makeGroup(*top, u"from");
+    makeGroup(*from, u"x.y");
+    const auto to = makeGroup(*top, u"to");
+    makeGroup(*makeGroup(*to, u"x"), u"y");
+    const auto before = contentsOf(store);
+
+    EXPECT_TRUE(to->merge(from));
+
+    EXPECT_EQ(contentsOf(store), before);
 }
 
 TEST_F(ContentTest, MergeOfNothingIsTrue) { EXPECT_TRUE(top->merge(makeGroup(*top, u"empty"))); }

@@ -73,6 +73,15 @@ TEST_F(FrontEndTest, ToplevelTakesTheWholeNameForOneName) {
     EXPECT_EQ(namesIn(store, u"").size(), 1u);
 }
 
+TEST_F(FrontEndTest, ToplevelDoesNotFollowAPath) {
+    IContainerFrontEnd::toplevel(&store, u"a")->makeContainer(kGroup, u"b", nullptr);
+
+    const auto made = IContainerFrontEnd::toplevel(&store, u"a.b");
+
+    EXPECT_EQ(made->name(), u"a.b");
+    EXPECT_EQ(namesIn(store, u""), (Names{u"a", u"a.b"}));
+}
+
 TEST_F(FrontEndTest, ToplevelWithTheEmptyNameMakesAContainerOfThatName) {
     IContainerFrontEnd::toplevel(&store, WideString());
 

@@ -63,6 +63,16 @@ TEST_F(TableTest, SameNameTwiceIsRefusedAndTheFirstStays) {
     EXPECT_EQ(t->count(), 1u);
 }
 
+TEST_F(TableTest, NameThatLeadsSomewhereAsAPathIsRefused) {
+    t->makeTable(u"inner", nullptr)->makePrimitive(u"m", kDouble, 0);
+    const auto before = contentsOf(store);
+
+    EXPECT_FALSE(t->makePrimitive(u"inner.m", kDouble, 0));
+    EXPECT_FALSE(t->makeTable(u"inner.m", nullptr));
+
+    EXPECT_EQ(contentsOf(store), before);
+}
+
 TEST_F(TableTest, NameWithADotIsMadeAndReachedByPositionOnly) {
     EXPECT_TRUE(t->makePrimitive(u"x.y", kDouble, 0));
 
@@ -213,6 +223,17 @@ TEST_F(TableFilterTest, MembersAddedLaterAreNotReached) {
     t->makePrimitive(u"late", kDouble, 0);
 
     EXPECT_EQ(namesOf(*filter), (Names{u"p", u"q"}));
+}
+
+TEST_F(TableFilterTest, EndIsThatOfTheBeginning) {
+    const auto filter = t->properties();
+    t->makePrimitive(u"late", kDouble, 0);
+    EXPECT_TRUE(filter->next());
+
+    EXPECT_FALSE(filter->next());
+
+    EXPECT_TRUE(filter->previous());
+    EXPECT_EQ(filter->value()->name(), u"q");
 }
 
 // The end is fixed while positions follow the store.

@@ -47,7 +47,7 @@ void Set::loadChildren() {
 // The first of equal names stays; the later one's entry is not kept.
 void Set::insert(std::uint32_t offset, std::u16string name) {
     auto entry = std::make_unique<ChildEntry>(ChildEntry{offset, std::move(name)});
-    if (index_.insert(entry->name, entry.get())) entry.release();
+    if (index_.insert(entry->name, entry.get())) static_cast<void>(entry.release());
 }
 
 void Set::dropIndex() {
@@ -162,7 +162,7 @@ bool Set::renameChild(std::u16string_view oldName, std::u16string_view newName) 
         std::unique_ptr<ChildEntry> entry(*found);
         index_.erase(oldName);
         entry->name = newName;
-        if (index_.insert(entry->name, entry.get())) entry.release();
+        if (index_.insert(entry->name, entry.get())) static_cast<void>(entry.release());
     }
     return true;
 }

@@ -65,6 +65,15 @@ class Reports(ToolTest):
                 self.assertEqual(result.err, "model.xml:1:1: error: nonsense : unknown element, skipping\n"
                                              "model.xml: error: nothing was read\n")
 
+    def test_OfARootWithoutANameLeaveNothingToShow(self):
+        self.document('<root><group name="g"/></root>')
+        for verb in ("tree", "export"):
+            with self.subTest(verb):
+                result = self.run_tool(verb, "model.xml")
+                self.assertEqual((result.status, result.out), (1, ""))
+                self.assertEqual(result.err, "model.xml:1:1: error: root : missing mandatory 'id' attribute\n"
+                                             "model.xml: error: nothing was read\n")
+
 
 class NotWellFormed(ToolTest):
     def expect(self, text, words, name="model.xml"):

@@ -52,7 +52,7 @@ class FirstTag : public core::xml::XMLCallback {
         element.keyword = name;
         for (char& c : element.keyword) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
         for (; *attributes; attributes += 2)
-            if (std::strcmp(attributes[0], "name") == 0) element.name = attributes[1];
+            if (std::strcmp(attributes[0], "name") == 0) setName(attributes[1]);
         element.position = static_cast<std::size_t>(parser->place().byte);
         throw Found();
     }
@@ -60,6 +60,12 @@ class FirstTag : public core::xml::XMLCallback {
     void comment(const char*) override {}
     void processingInstruction(const char*, const char*) override {}
     void characterData(const char*, int) override {}
+
+  private:
+    void setName(const char* name) {
+        element.name = name;
+        element.hasName = true;
+    }
 };
 
 // ASCII in the encoding that the document's byte order mark tells.

@@ -28,9 +28,11 @@ class Input {
 struct DocumentElement {
     std::string keyword;
     std::string name;
+    bool hasName = false;
     std::size_t position = 0;
 
-    bool isRoot() const { return keyword == "root"; }
+    // A root that has no name is reported and skipped like any other element.
+    bool isRoot() const { return keyword == "root" && hasName; }
 };
 
 DocumentElement documentElementOf(std::string_view bytes);

@@ -26,6 +26,7 @@ metadata::IStructLayout::tField* Layout::field(WideString name) {
 bool Layout::add(std::u16string name, std::uint32_t type, std::uint32_t count, std::uint32_t size) {
     constexpr std::uint32_t kMax = std::numeric_limits<std::uint32_t>::max();
     if (size > kMax - byteSize_ || count > kMax - valueCount_) return false;
+    if (fields_.size() == kMostFields) return false;
     Field& field = fields_.emplace_back(std::move(name), type, count, size);
     field.offset = byteSize_;
     fieldIndex_.insert(field.nameText, &field);

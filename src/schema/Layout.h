@@ -17,6 +17,10 @@ namespace norvane::platform::data::Schema {
 // by `Flattening` and never changes once the locator has it in its cache: all threads read it without a lock.
 class Layout final : public metadata::IStructLayout {
   public:
+    // A struct has no more fields than these. An array of structs in a type is one field for each number in
+    // it, so that a few bytes of a document can ask for any number of them.
+    static constexpr std::size_t kMostFields = 1u << 20;
+
     struct Field : tField {
         Field(std::u16string text, std::uint32_t fieldType, std::uint32_t elements, std::uint32_t bytes);
         Field(const Field&) = delete;
@@ -51,7 +55,7 @@ class Layout final : public metadata::IStructLayout {
     void closeTable() { table_.reset(); }
 
     // Adds a field behind the others. False, with nothing added, where the struct would get too large for 32
-    // bits.
+    // bits or have too many fields.
     bool add(std::u16string name, std::uint32_t type, std::uint32_t count, std::uint32_t size);
 
   private:

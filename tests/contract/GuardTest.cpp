@@ -34,7 +34,7 @@ Trace traceOf(const std::vector<StoreCall>& calls) {
 
 class GuardedOperationTest : public ::testing::TestWithParam<Operation> {};
 
-TEST_P(GuardedOperationTest, TakesTheGuardAsTold) {
+TEST_P(GuardedOperationTest, TakesTheGuardForItsWholeLength) {
     for (const Extensions extensions : {Extensions::off, Extensions::on}) {
         LoggingStore store(extensions);
         Model model(store);

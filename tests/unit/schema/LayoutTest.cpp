@@ -466,5 +466,19 @@ TEST(Layout, StructsThatWouldOverflowEndAmongTheirFields) {
     EXPECT_EQ(shape.byteSize(), 3 * kGiB + 4);
 }
 
+// What a document can ask for with one attribute.
+TEST(Layout, TooManyFieldsEndTheStruct) {
+    MemoryDataStore store;
+    Builder build(store);
+    build.primitive(build.table(0, u"S"), kInt8, u"x");
+    build.structOf(build.table(0, u"T"), u"p", u"S", 1'100'000);
+
+    const auto locator = ISchemaLocator::make(&store);
+    IStructLayout& shape = *locator->locate(u"T")->layout();
+
+    EXPECT_EQ(shape.fieldCount(), Schema::Layout::kMostFields);
+    EXPECT_EQ(shape.byteSize(), Schema::Layout::kMostFields);
+}
+
 }  // namespace
 }  // namespace norvane::platform::test

@@ -19,7 +19,7 @@ class Layout final : public metadata::IStructLayout {
   public:
     // A struct has no more fields than these. An array of structs in a type is one field for each number in
     // it, so that a few bytes of a document can ask for any number of them.
-    static constexpr std::size_t kMostFields = 1u << 20;
+    static constexpr std::size_t kMostFields = 1u << 18;
 
     struct Field : tField {
         Field(std::u16string text, std::uint32_t fieldType, std::uint32_t elements, std::uint32_t bytes);

@@ -24,7 +24,8 @@ class WrongUsage(ToolTest):
                 (["tree", "model.xml", "-d", "x"], "x is no number of levels"),
                 (["tree", "model.xml", "-d", "-1"], "-1 is no number of levels"),
                 (["export", "model.xml", "-f", "json"], "-f"),
-                (["help", "nonsense"], "no verb nonsense")):
+                (["help", "nonsense"], "no verb nonsense"),
+                (["help", "tree", "more"], "the following argument was not expected: more")):
             with self.subTest(arguments):
                 result = self.run_tool(*arguments)
                 self.assertEqual((result.status, result.out), (2, ""))
@@ -55,6 +56,9 @@ class Help(ToolTest):
         for key, value in self.done("stat", "model.xml", "-f", "json").json.items():
             if isinstance(value, int) and key not in ("version", "nodes", "groups", "links", "primitives", "bytes"):
                 self.assertRegex(text, rf"(?m)^  [a-zA-Z, ]*{key}", key)
+
+    def test_OfHelpIsPrintedOnce(self):
+        self.assertEqual(self.done("help", "--help").out.count("Usage: qvt help"), 1)
 
     def test_VersionIsPrinted(self):
         self.assertRegex(self.done("--version").out, r"^qvt \d+\.\d+\.\d+\n$")

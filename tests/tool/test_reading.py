@@ -213,6 +213,14 @@ class OtherOutermostElements(ToolTest):
         self.assertEqual(result.lines, ["g: group [T.Box]", "└── w: double (inherited)"])
         self.assertEqual(result.err, "model.xml:1:31: error: vec3 : unknown element, skipping\n")
 
+    def test_ClassesAndTargetsWithinItAreFoundAsInItsRecords(self):
+        self.document('<group name="g"><table name="Box"><int8 name="i">1</int8></table><node name="n" class="Box"/>'
+                      '<link name="l" to="n"/></group>')
+        self.assertIn('<node name="n" class="Box"/>', self.done("export", "model.xml").out)
+        self.assertIn("├── n: node [Box]", self.done("tree", "model.xml").lines)
+        self.assertEqual(self.done("show", "model.xml", "g.l").lines[-1], "leads to  a node [Box]")
+        self.assertEqual(self.done("stat", "model.xml", "-f", "json").json["classes"], {"Box": 1})
+
 
 TYPES = ('<root name="t"><group name="T"><table name="Box"><double name="w">1</double></table>'
          '<table name="Lid"><double name="h">1</double></table></group></root>')

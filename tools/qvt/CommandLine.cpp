@@ -166,9 +166,9 @@ Command commandOf(int argc, const char* const* argv) {
     CLI::App* help = app.add_subcommand("help", "tell about a verb");
     help->group("Verbs");
     help->add_option("VERB", about, "one of the above");
-    command.status = parse(app, argc, argv);
-    if (command.status != kDone) command.verb = nullptr;
-    if (help->parsed()) command.status = printHelp(app, about);
+    help->callback([&] { command.status = printHelp(app, about); });
+    const int status = parse(app, argc, argv);
+    if (status != kDone) command.status = status;
     return command;
 }
 

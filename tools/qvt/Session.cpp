@@ -4,7 +4,6 @@
 #include <vector>
 
 #include "Reading.h"
-#include "Text.h"
 #include "norvane/platform/core/io/MemoryReader.h"
 #include "norvane/platform/data/format/xml/IXMLFrontEnd.h"
 #include "norvane/platform/data/structure/IContainerFrontEnd.h"
@@ -47,8 +46,9 @@ void Session::readLibrary(const std::string& path) {
     Reading(*lookup.locator, &messages_).into(*libraries_.back(), library);
 }
 
-RecordsView::RecordsView(Session& session) : lookup_(session.libraries()) {
-    Reading(*lookup_.locator, &session.messages()).into(lookup_.store, session.input());
+RecordsView::RecordsView(Session& session, bool isFirst) : lookup_(session.libraries()) {
+    Messages* messages = isFirst ? &session.messages() : nullptr;
+    Reading(*lookup_.locator, messages).into(lookup_.store, session.input());
 }
 
 ObjectsView::ObjectsView(Session& session, bool isFirst)
@@ -56,9 +56,9 @@ ObjectsView::ObjectsView(Session& session, bool isFirst)
       element_(documentElementOf(session.input().bytes())),
       lookup_(session.libraries()),
       root_(makeTop(lookup_.store)) {
-    Reading reading(*lookup_.locator, isFirst ? &session.messages() : nullptr);
+    Messages* messages = isFirst ? &session.messages() : nullptr;
     if (element_.isRoot())
-        reading.into(*root_.container, session.input());
+        Reading(*lookup_.locator, messages).into(*root_.container, session.input());
     else
         readNonRoot(session, isFirst);
     // Display names that were read reach the store when the handle that took them closes; one that is opened
@@ -67,9 +67,10 @@ ObjectsView::ObjectsView(Session& session, bool isFirst)
     root_.container = root_.container->find(WideString());
 }
 
-// Read for itself first: only then are places right, and a second outermost element is an error.
+// Read as it is first: only then are places right, and a second outermost element is an error.
 void ObjectsView::readNonRoot(Session& session, bool isFirst) {
-    if (isFirst) RecordsView{session};
+    records_.reset(new RecordsView(session, isFirst));
+    lookup_.locator->addStore(&records_->store());
     Reading(*lookup_.locator, nullptr)
         .into(*root_.container, session.input(), wrappedInGroup(session.input().bytes(), element_));
 }

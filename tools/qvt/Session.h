@@ -52,7 +52,8 @@ class Session {
 // The document as records, just as a host that parses it into an empty store has it.
 class RecordsView {
   public:
-    explicit RecordsView(Session& session);
+    // `isFirst` is false where the same session has read the document before; nothing is reported then.
+    explicit RecordsView(Session& session, bool isFirst = true);
 
     MemoryDataStore& store() { return lookup_.store; }
     ISchemaLocator* locator() { return lookup_.locator.get(); }
@@ -65,14 +66,16 @@ class RecordsView {
 
 // The document as objects. The public interface has handles on containers and properties but none on the
 // root, so the document is read into a group that stands for its root: as record 0 of its store, all paths
-// begin at it. A document whose outermost element is not a root becomes the one child of that group.
+// begin at it. A document whose outermost element is not a root becomes the one child of that group; the
+// classes and targets that it names are looked up in its records as they are without that group.
 class ObjectsView {
   public:
-    // `isFirst` is false where the same session has read the document before; nothing is reported then.
+    // `isFirst` as for RecordsView.
     explicit ObjectsView(Session& session, bool isFirst = true);
 
-    IDataStore& store() { return lookup_.store; }
     ISchemaLocator* locator() { return lookup_.locator.get(); }
+    // Where links of the document lead; null for the store that they are in.
+    IDataStore* linkStore() const { return records_ ? &records_->store() : nullptr; }
 
     // What stands for the root, and whether the document really has one.
     const Object& root() const { return root_; }
@@ -95,6 +98,7 @@ class ObjectsView {
 
     std::string file_;
     DocumentElement element_;
+    SharedPtr<RecordsView> records_;  // only of a document without a root
     Lookup lookup_;
     Object root_;
 };

@@ -47,9 +47,9 @@ std::vector<Default> defaultsOf(const Object& object) {
     return defaults;
 }
 
-SharedPtr<IContainer> targetObject(const Object& object) {
+Object targetObject(const Object& object, const ObjectsView& view) {
     ILink* link = ILink::to(object.container.get());
-    return link ? link->resolve(nullptr) : SharedPtr<IContainer>();
+    return link ? Object(link->resolve(view.linkStore())) : Object();
 }
 
 class AsJson {
@@ -81,7 +81,7 @@ class AsJson {
 
     void addLink(Json& answer) {
         if (answer["kind"] != "link") return;
-        const Object target(targetObject(object_));
+        const Object target = targetObject(object_, view_);
         answer["target"] = targetOf(object_);
         answer["resolves"] = static_cast<bool>(target);
     }
@@ -138,7 +138,7 @@ class AsText {
 
     void addTarget() {
         add("target", targetOf(object_));
-        const Object target(targetObject(object_));
+        const Object target = targetObject(object_, view_);
         const std::string classText = target ? classOf(target) : "";
         const std::string found = target ? "a " + kindOf(target) : "nothing";
         add("leads to", found + (classText.empty() ? "" : " [" + classText + "]"));

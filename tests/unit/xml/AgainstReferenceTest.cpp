@@ -179,7 +179,7 @@ TEST(RandomDocuments, AreMostlySoundAndHoldMuch) {
     std::uint64_t records = 0;
     std::uint64_t reports = 0;
     int stopped = 0;
-    for (std::uint32_t seed = 0; seed < 300; ++seed) {
+    for (std::uint32_t seed = 0; seed < 100; ++seed) {
         const std::string document = Generator(seed).document();
         MemoryReader bytes(document);
         DiagnosingReader reader(bytes);
@@ -190,13 +190,13 @@ TEST(RandomDocuments, AreMostlySoundAndHoldMuch) {
         reports += told.texts.size();
         if (reader.stopped()) ++stopped;
     }
-    EXPECT_GT(records, 300U * 30U);
-    EXPECT_GT(reports, 300U * 3U);
-    EXPECT_GT(stopped, 20);
-    EXPECT_LT(stopped, 100);
+    EXPECT_GT(records, 100U * 30U);
+    EXPECT_GT(reports, 100U * 3U);
+    EXPECT_GT(stopped, 5);
+    EXPECT_LT(stopped, 35);
 }
 
-INSTANTIATE_TEST_SUITE_P(Seeds, AgainstReference, testing::Range(0U, 1000U, 100U));
+INSTANTIATE_TEST_SUITE_P(Seeds, AgainstReference, testing::Range(0U, 600U, 100U));
 
 }  // namespace
 }  // namespace norvane::platform::data::test

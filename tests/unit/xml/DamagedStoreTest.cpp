@@ -1,8 +1,6 @@
 // Stores whose records lie: nothing that is read from or written to them may go wrong in any other way than
 // by being wrong.
-#include <map>
 #include <new>
-#include <set>
 
 #include "unit/xml/Documents.h"
 
@@ -69,8 +67,7 @@ class DamagedStore : public testing::Test {
 
 TEST_F(DamagedStore, EveryFieldOfEveryRecordMayHaveAnyValue) {
     const auto count = static_cast<std::uint32_t>(sound_.size());
-    std::set<std::uint32_t> values{
-        0, 1, 2, 3, 24, 25, 0x7FFFFFFF, 0x80000000, 0xFFFFFFFE, 0xFFFFFFFF, count, count - 1, 0x40000000};
+    const std::uint32_t values[]{0, 1, 2, 25, 0x7FFFFFFF, 0xFFFFFFFE, 0xFFFFFFFF, count - 1};
     for (std::uint32_t offset = 0; offset < count; ++offset) {
         if (sound_[offset].empty()) continue;
         const Record::Format& format = *Record::formatOf(static_cast<std::uint8_t>(sound_[offset][0]));

@@ -5,6 +5,15 @@
 namespace norvane::platform::data::test {
 namespace {
 
+std::string littleEndian(std::uint32_t value) {
+    std::string text;
+    for (int i = 0; i < 4; ++i, value >>= 8) {
+        text += "0123456789abcdef"[value >> 4 & 15];
+        text += "0123456789abcdef"[value & 15];
+    }
+    return text;
+}
+
 TEST(XMLPrimitive, EveryElementMakesItsType) {
     for (const tKeyword& keyword : kKeywords) {
         if (keyword.kind != Record::Kind::primitive || keyword.detail == metadata::kStruct) continue;
@@ -94,23 +103,23 @@ TEST(XMLPrimitive, EmptyLocaleIsStored) {
 
 TEST(XMLPrimitive, RecordOfAnElementWithEverythingIsByteExact) {
     Document document("<int16 name='ab' locale='de' units='Inch' dim='2'>5</int16>");
-    const std::string expected =
-        "0:01"          // kind
-        "ffffffff"      // parent
-        "00000000"      // open count
-        "ffffffff"      // locale
-        "00"            // flags
-        "00000000"      // children
-        "16200000"      // unit
-        "0a000000"      // data type
-        "06000000"      // size of the locale tag
-        "06000000"      // size of the name
-        "00000000"      // size of the struct type
-        "04000000"      // size of the value
-        "640065000000"  // locale tag
-        "610062000000"  // name
-        "05000000"      // value
-        "\n";
+    const std::string none = littleEndian(IDataStore::BADOFF);
+    const std::string expected = "0:01" +        // kind
+                                 none +          // parent
+                                 "00000000" +    // open count
+                                 none +          // locale
+                                 "00"            // flags
+                                 "00000000"      // children
+                                 "16200000"      // unit
+                                 "0a000000"      // data type
+                                 "06000000"      // size of the locale tag
+                                 "06000000"      // size of the name
+                                 "00000000"      // size of the struct type
+                                 "04000000"      // size of the value
+                                 "640065000000"  // locale tag
+                                 "610062000000"  // name
+                                 "05000000"      // value
+                                 "\n";
     EXPECT_EQ(recordsOf(document.store), "version 0\n" + expected);
 }
 

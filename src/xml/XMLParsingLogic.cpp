@@ -114,7 +114,7 @@ void XMLParsingLogic::closeTop() {
     const OpenElement top = stack_.back();
     if (!std::exchange(keepValue_, false)) top.handler->endContent(*top.object, text_);
     stack_.pop_back();
-    if (top.object != target_) const Owned<Metadata::Item> closing(top.object);
+    if (top.object != target_) delete top.object;
 }
 
 }  // namespace norvane::platform::data

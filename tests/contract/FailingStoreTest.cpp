@@ -157,7 +157,7 @@ TEST_F(FailingStoreTest, FailureOfClosingReachesTheHost) {
 TEST_F(FailingStoreTest, FailureOfClosingIsKeptBackWhileAnotherExceptionIsUnderWay) {
     struct HostFailure {};
 
-    for (const std::uint64_t n : {1, 2, 3, 4}) {
+    for (std::uint64_t n = 1; n <= 4; ++n) {
         failing.calm();
         const auto work = [this, n] {
             const auto top = IContainerFrontEnd::toplevel(&failing, u"top");

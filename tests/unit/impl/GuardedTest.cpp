@@ -161,7 +161,7 @@ TEST_F(GuardedItemTest, FailureIsKeptBackWhileAnotherExceptionIsUnderWay) {
     struct First {};
     ThrowingStore store(memory);
 
-    for (const std::uint64_t n : {1, 2, 3}) {
+    for (std::uint64_t n = 1; n <= 3; ++n) {
         store.calm();
         const auto work = [&] {
             const Item item(open(store));

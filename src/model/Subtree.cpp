@@ -4,7 +4,6 @@
 #include <deque>
 #include <optional>
 #include <string>
-#include <unordered_set>
 #include <utility>
 #include <vector>
 
@@ -20,17 +19,6 @@ namespace {
 
 constexpr std::uint8_t kPrimitive = static_cast<std::uint8_t>(Record::Kind::primitive);
 constexpr std::uint8_t kTable = static_cast<std::uint8_t>(Record::Kind::table);
-
-// The offsets from the top of a walk down to where it stands.
-class Way {
-  public:
-    bool holds(std::uint32_t offset) const { return offsets_.count(offset) != 0; }
-    void enter(std::uint32_t offset) { offsets_.insert(offset); }
-    void leave(std::uint32_t offset) { offsets_.erase(offset); }
-
-  private:
-    std::unordered_set<std::uint32_t> offsets_;
-};
 
 // Where a walk stands among the children of one entity.
 struct Level {
@@ -132,8 +120,8 @@ class Eraser {
     }
 
     void descend(std::uint32_t offset, std::uint32_t list, std::uint32_t defaults) {
+        met_.insert(offset);
         levels_.push_back({{offset, childrenToErase(store_, list)}, list, defaults});
-        way_.enter(offset);
     }
 
     // The record at the top stays.
@@ -143,14 +131,12 @@ class Eraser {
         removeIf(level.defaults, Record::Kind::offsets);
         const std::uint32_t offset = level.at.offset;
         levels_.pop_back();
-        way_.leave(offset);
         if (!levels_.empty()) store_->remove(offset);
     }
 
-    // A child that stands above itself is not entered again, and one that stood in two places is gone by now.
+    // One that stands above itself, or in two lists, was met before.
     void visit(std::uint32_t child) {
-        if (way_.holds(child) || enter(child)) return;
-        if (store_->recordSize(child) != 0) store_->remove(child);
+        if (met_.insert(child) && !enter(child)) store_->remove(child);
     }
 
     void run() {
@@ -164,7 +150,7 @@ class Eraser {
     }
 
     IDataStore* store_;
-    Way way_;
+    Record::OffsetSet met_;
     std::vector<ErasedLevel> levels_;
 };
 

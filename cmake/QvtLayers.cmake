@@ -15,6 +15,9 @@ foreach(qvtRow IN LISTS qvtRows)
 endforeach()
 list(REMOVE_DUPLICATES QVT_LAYERS)
 
+# Layers that know no records.
+set(QVT_STORE_LAYERS stores overlay filestore)
+
 # A folder that is not there yet is left out.
 function(qvt_folder path)
     if(EXISTS "${CMAKE_CURRENT_SOURCE_DIR}/${path}/CMakeLists.txt")
@@ -43,7 +46,7 @@ function(qvt_layer name)
     target_link_libraries(${target} PUBLIC qvt_hashing Threads::Threads ${layer_LINK})
     if(name STREQUAL "core")
         target_link_libraries(${target} PRIVATE EXPAT::EXPAT)
-    elseif(NOT name STREQUAL "stores")
+    elseif(NOT name IN_LIST QVT_STORE_LAYERS)
         target_link_libraries(${target} PUBLIC qvt_core TBB::tbb)
     endif()
 endfunction()

@@ -14,6 +14,8 @@ def owner(path):
     parts = path.parts
     if parts[:3] == ("include", "norvane", "platform"):
         return "public " + parts[3]
+    if parts[:2] == ("src", "stores"):
+        return {"overlay": "overlay", "file": "filestore"}.get(parts[2], "stores")
     return parts[1] if parts[0] == "src" else None
 
 
@@ -22,7 +24,7 @@ def allowed(path):
     here = owner(path)
     if here in public:
         return {here, "public core"}
-    if here in ("core", "stores"):
+    if here in ("core", "stores", "overlay", "filestore"):
         return left[here] | {"public core"}
     if here in layers:
         return left[here] | public

@@ -1,4 +1,5 @@
 #pragma once
 
-// Marks what libqvt_core shows to its hosts; everything else in the library is hidden.
+// Mark what libqvt_core and libqvt_file show to their hosts; everything else in them is hidden.
 #define QVT_CORE_API __attribute__((visibility("default")))
+#define QVT_FILE_API __attribute__((visibility("default")))

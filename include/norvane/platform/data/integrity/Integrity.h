@@ -1,0 +1,58 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "norvane/platform/core/Export.h"
+#include "norvane/platform/core/storage/datastore/IDataStore.h"
+
+namespace norvane::platform::data::integrity {
+
+using core::storage::datastore::IDataStore;
+
+enum class Severity : std::uint8_t {
+    note,     ///< Worth knowing; nothing is wrong.
+    warning,  ///< Allowed, but it will surprise somebody: a name that no path can reach.
+    error     ///< The records contradict each other or themselves.
+};
+
+/// One thing that was found in a store, or changed in it.
+struct Finding {
+    Severity severity;
+    std::string
+        code;  ///< A short word that stays the same from version to version; docs/integrity.md lists all.
+    std::uint32_t offset;  ///< The record, or `IDataStore::BADOFF`.
+    std::string path;      ///< The dotted path of the entity, in UTF-8; empty if it has none.
+    std::string text;      ///< What it is, in a sentence without the path.
+};
+
+struct Report {
+    std::vector<Finding> findings;
+    std::uint64_t recordCount = 0;  ///< Records that were looked at.
+    /// True if nothing is an error.
+    bool isSound() const;
+};
+
+/// Looks at every record of a store, and at how they hang together. It changes nothing, takes the guard for
+/// its whole length and needs memory in proportion to the number of records. A record that the store cannot
+/// give is a finding. Open counts are expected to be 0: nothing may be open.
+QVT_FILE_API Report check(IDataStore& store);
+
+/// The same for a store's file, after the file itself. Throws `StoreError` notFound and notReadable only.
+QVT_FILE_API Report checkFile(const std::string& path);
+
+struct RepairOptions {
+    /// Takes records from every page that looks as if it held some, for files whose own order is broken.
+    bool salvage = false;
+    /// Puts entities that nothing leads to below a group of this name (UTF-8), below the root. Empty leaves
+    /// them out of the tree, as they are.
+    std::string recovered;
+};
+
+/// Makes a new store at `out` of what is sound in the file `in`, and answers what is different; `check` finds
+/// no error in it. Records keep their offsets. Throws `StoreError`: notFound, notReadable; damaged when
+/// nothing can be saved; exists, notWritable, diskFull for `out`, of which nothing stays then.
+QVT_FILE_API Report repair(const std::string& in, const std::string& out, const RepairOptions& options);
+
+}  // namespace norvane::platform::data::integrity

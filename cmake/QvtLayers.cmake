@@ -16,7 +16,7 @@ endforeach()
 list(REMOVE_DUPLICATES QVT_LAYERS)
 
 # Layers that know no records.
-set(QVT_STORE_LAYERS stores overlay filestore)
+set(QVT_STORE_LAYERS pool stores overlay filestore)
 
 # A folder that is not there yet is left out.
 function(qvt_folder path)

@@ -15,7 +15,7 @@ def owner(path):
     if parts[:3] == ("include", "norvane", "platform"):
         return "public " + parts[3]
     if parts[:2] == ("src", "stores"):
-        return {"overlay": "overlay", "file": "filestore"}.get(parts[2], "stores")
+        return {"pool": "pool", "overlay": "overlay", "file": "filestore"}.get(parts[2], "stores")
     return parts[1] if parts[0] == "src" else None
 
 
@@ -24,7 +24,7 @@ def allowed(path):
     here = owner(path)
     if here in public:
         return {here, "public core"}
-    if here in ("core", "stores", "overlay", "filestore"):
+    if here in ("core", "pool", "stores", "overlay", "filestore"):
         return left[here] | {"public core"}
     if here in layers:
         return left[here] | public

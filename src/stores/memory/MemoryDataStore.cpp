@@ -8,17 +8,19 @@
 #include <stdexcept>
 #include <type_traits>
 
-#include "stores/memory/RecordPool.h"
+#include "norvane/platform/core/thread/RecursiveMutex.h"
+#include "stores/pool/RecordPool.h"
 
 namespace norvane::platform::core::storage::datastore {
 namespace {
 
 class MemoryGuard : public IDataStore::Guard {
   public:
-    explicit MemoryGuard(std::recursive_mutex& mutex) : lock_(mutex) {}
+    explicit MemoryGuard(core::thread::RecursiveMutex& mutex) : lock_(mutex) {}
+    ~MemoryGuard() noexcept override = default;
 
   private:
-    std::unique_lock<std::recursive_mutex> lock_;
+    std::lock_guard<core::thread::RecursiveMutex> lock_;
 };
 
 // Blocks by offset. The table is the C library's, which moves a large one without copying it.
@@ -117,7 +119,7 @@ struct MemoryDataStore::Contents {
     std::uint64_t recordCount = 0;
     std::uint64_t byteCount = 0;
     std::uint64_t changeStamp = 1;
-    std::recursive_mutex mutex;
+    core::thread::RecursiveMutex mutex;
 };
 
 MemoryDataStore::MemoryDataStore() : MemoryDataStore(Options()) {}

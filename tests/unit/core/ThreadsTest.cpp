@@ -3,6 +3,8 @@
 
 #include <atomic>
 #include <functional>
+#include <mutex>
+#include <system_error>
 #include <thread>
 #include <vector>
 
@@ -10,6 +12,7 @@
 #include "norvane/platform/core/memory/SharedPtr.h"
 #include "norvane/platform/core/string/WideString.h"
 #include "norvane/platform/core/thread/Mutex.h"
+#include "norvane/platform/core/thread/RecursiveMutex.h"
 
 namespace norvane::platform::core {
 namespace {
@@ -116,6 +119,72 @@ TEST(ThreadsTest, MutexLetsOneThreadPassAtATime) {
         }
     });
     EXPECT_EQ(count, kThreads * kRounds);
+}
+
+TEST(ThreadsTest, RecursiveMutexCountsWhatOneThreadTakes) {
+    thread::RecursiveMutex mutex;
+
+    mutex.lock();
+    mutex.lock();
+    EXPECT_EQ(mutex.depth(), 2u);
+    std::thread([&] { EXPECT_EQ(mutex.depth(), 0u); }).join();
+    mutex.unlock();
+    EXPECT_EQ(mutex.depth(), 1u);
+    mutex.unlock();
+
+    EXPECT_EQ(mutex.depth(), 0u);
+    std::thread([&] {
+        mutex.lock();
+        EXPECT_EQ(mutex.depth(), 1u);
+        mutex.unlock();
+    }).join();
+}
+
+TEST(ThreadsTest, RecursiveMutexLetsOneThreadPassAtATime) {
+    thread::RecursiveMutex mutex;
+    int count = 0;
+    onThreads([&](int) {
+        for (int round = 0; round < kRounds; ++round) {
+            const std::lock_guard outer(mutex);
+            const std::lock_guard inner(mutex);
+            ++count;
+        }
+    });
+    EXPECT_EQ(count, kThreads * kRounds);
+}
+
+// Each of the threads takes its own mutex, and when all have done so the next one's: a ring.
+TEST(ThreadsTest, OneThreadOfARingIsRefusedAndTheOthersPass) {
+    constexpr int kRing = 3;
+    thread::RecursiveMutex mutexes[kRing];
+    std::atomic<int> holding{0};
+    std::atomic<int> refused{0};
+    std::atomic<int> passed{0};
+    std::vector<std::thread> threads;
+    for (int index = 0; index < kRing; ++index)
+        threads.emplace_back([&, index] {
+            const std::lock_guard own(mutexes[index]);
+            ++holding;
+            while (holding < kRing) std::this_thread::yield();
+            try {
+                const std::lock_guard next(mutexes[(index + 1) % kRing]);
+                ++passed;
+            } catch (const std::system_error& error) {
+                EXPECT_EQ(error.code(), std::errc::resource_deadlock_would_occur);
+                ++refused;
+            }
+        });
+    for (auto& each : threads) each.join();
+
+    EXPECT_EQ(refused, 1);
+    EXPECT_EQ(passed, kRing - 1);
+}
+
+TEST(ThreadsTest, MutexRefusesTheThreadThatHoldsIt) {
+    thread::Mutex mutex;
+    const thread::Mutex::ScopedLock lock(mutex);
+
+    EXPECT_THROW(thread::Mutex::ScopedLock again(mutex), std::system_error);
 }
 
 }  // namespace

@@ -4,7 +4,7 @@
 #include <random>
 #include <vector>
 
-#include "stores/memory/RecordPool.h"
+#include "stores/pool/RecordPool.h"
 
 namespace norvane::platform::core::storage::datastore {
 namespace {

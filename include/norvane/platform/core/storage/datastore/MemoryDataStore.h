@@ -20,8 +20,9 @@ namespace norvane::platform::core::storage::datastore {
 /// all offsets have been given out. Memory exhaustion throws `std::bad_alloc`. After any of these the store
 /// is as before.
 ///
-/// `lock` gives guards that are re-entrant within a thread; other threads wait. Without a guard, calls that
-/// only look may run at the same time, and nothing may run beside a change.
+/// `lock` gives guards that are re-entrant within a thread; other threads wait. Where threads wait for each
+/// other in a ring, it throws `std::system_error` with `resource_deadlock_would_occur`. Without a guard, calls
+/// that only look may run at the same time, and nothing may run beside a change.
 ///
 /// All extensions are offered. The memory of removed and of replaced records is kept for new ones until the
 /// store goes.

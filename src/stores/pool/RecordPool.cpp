@@ -1,10 +1,10 @@
-#include "stores/memory/RecordPool.h"
+#include "stores/pool/RecordPool.h"
 
 #include <algorithm>
 #include <new>
 #include <utility>
 
-#include "stores/memory/Fence.h"
+#include "stores/pool/Fence.h"
 
 namespace norvane::platform::core::storage::datastore {
 namespace {

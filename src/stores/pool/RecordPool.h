@@ -1,4 +1,4 @@
-// Where the bytes of a memory store's records lie.
+// Where the bytes of records lie in memory.
 #pragma once
 
 #include <array>

@@ -1,0 +1,71 @@
+// A connection to a store file, with the statements that read and write its tables.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
+
+#include "stores/file/Database.h"
+#include "stores/file/Layout.h"
+#include "stores/overlay/Backend.h"
+
+namespace norvane::platform::core::storage::datastore {
+
+class Connection {
+  public:
+    // Opens the file and checks that its tables are those of a store; with `create` it makes them.
+    Connection(const std::string& path, Database::Mode mode);
+
+    Database& database() { return database_; }
+
+    // From here on everything that is read belongs to one revision. Answers which.
+    MetaRow beginReading();
+    void endReading() noexcept;
+    bool isReading() const noexcept { return sqlite3_get_autocommit(database_.handle()) == 0; }
+
+    // Keeps other writers out, also those that know of no other lock.
+    void beginWriting() { database_.run("BEGIN IMMEDIATE", Doing::writing); }
+    void commit() { database_.run("COMMIT", Doing::writing); }
+    void rollBack() noexcept { database_.tryRun("ROLLBACK"); }
+
+    MetaRow meta();
+    void putMeta(const MetaRow& row);
+
+    // False if there is no row for it.
+    bool load(std::uint32_t offset, LoadTarget& target);
+    void put(std::uint32_t offset, std::span<const std::byte> bytes, std::uint32_t partSize);
+    // Removes what is there of a record, `hasParts` being false if it surely has none.
+    void erase(std::uint32_t offset, bool hasParts);
+    void eraseParts(std::uint32_t offset);
+    // False if no record has parts.
+    bool anyParts();
+
+    // Throws `damaged` if there is no sound row for the block.
+    LiveBits liveBits(std::uint32_t block);
+    void putLiveBits(std::uint32_t block, const LiveBits& bits);
+
+  private:
+    void makeTables();
+    void checkTables();
+    void loadWhole(std::uint32_t offset, Checksum wanted, LoadTarget& target);
+    void loadParts(std::uint32_t offset, Checksum wanted, LoadTarget& target);
+    std::uint32_t sizeOfParts(std::uint32_t offset);
+    [[noreturn]] void failDamaged(const char* words, std::uint32_t offset) const;
+
+    // Made once the tables are known to be right.
+    struct Statements {
+        explicit Statements(Database& database);
+
+        Statement meta, putMeta;
+        Statement record, putRecord, eraseRecord;
+        Statement parts, putPart, eraseParts, anyParts;
+        Statement live, putLive;
+        Statement pageCount, pageSize;
+    };
+
+    Database database_;
+    std::optional<Statements> statements_;
+};
+
+}  // namespace norvane::platform::core::storage::datastore

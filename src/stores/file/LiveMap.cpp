@@ -1,0 +1,56 @@
+#include "stores/file/LiveMap.h"
+
+namespace norvane::platform::core::storage::datastore {
+namespace {
+
+std::byte maskOf(std::uint32_t offset) { return std::byte{1} << (offset % 8); }
+
+std::size_t placeOf(std::uint32_t offset) { return offset % kBlockSize / 8; }
+
+}  // namespace
+
+bool LiveMap::isLive(Connection& connection, std::uint32_t offset) {
+    const LiveBits& bits = cached(connection, offset / kBlockSize);
+    return (bits[placeOf(offset)] & maskOf(offset)) != std::byte{0};
+}
+
+LiveBits& LiveMap::cached(Connection& connection, std::uint32_t block) {
+    if (last_ && lastBlock_ == block) return *last_;
+    auto found = cache_.find(block);
+    if (found == cache_.end()) {
+        const LiveBits bits = connection.liveBits(block);
+        if (cache_.size() >= kMostCached) clear();
+        found = cache_.emplace(block, bits).first;
+    }
+    last_ = &found->second;
+    lastBlock_ = block;
+    return *last_;
+}
+
+void LiveMap::set(Connection& connection, std::uint32_t offset, bool isLive, std::uint64_t blocks) {
+    const std::uint32_t block = offset / kBlockSize;
+    auto found = staged_.find(block);
+    if (found == staged_.end())
+        found = staged_.emplace(block, block < blocks ? cached(connection, block) : LiveBits{}).first;
+    std::byte& bits = found->second[placeOf(offset)];
+    bits = isLive ? bits | maskOf(offset) : bits & ~maskOf(offset);
+}
+
+void LiveMap::write(Connection& connection, std::uint64_t blocksBefore, std::uint64_t blocksAfter) {
+    for (std::uint64_t block = blocksBefore; block < blocksAfter; ++block)
+        staged_.emplace(static_cast<std::uint32_t>(block), LiveBits{});
+    for (const auto& [block, bits] : staged_) connection.putLiveBits(block, bits);
+}
+
+void LiveMap::keep() {
+    for (const auto& [block, bits] : staged_)
+        if (const auto found = cache_.find(block); found != cache_.end()) found->second = bits;
+    drop();
+}
+
+void LiveMap::clear() noexcept {
+    cache_.clear();
+    last_ = nullptr;
+}
+
+}  // namespace norvane::platform::core::storage::datastore

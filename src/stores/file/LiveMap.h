@@ -1,0 +1,40 @@
+// Which offsets have a record: told by bits of their own, so that a row that damage has hidden is not taken
+// for a removed record.
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <unordered_map>
+
+#include "stores/file/Connection.h"
+#include "stores/file/Layout.h"
+
+namespace norvane::platform::core::storage::datastore {
+
+class LiveMap {
+  public:
+    // Asked of offsets below `next`. Throws `damaged`.
+    bool isLive(Connection& connection, std::uint32_t offset);
+
+    // Changes of a commit under way, which `keep` or `drop` ends. `blocks` is how many there were before.
+    void set(Connection& connection, std::uint32_t offset, bool isLive, std::uint64_t blocks);
+    // Writes them, and a row for every block that is new.
+    void write(Connection& connection, std::uint64_t blocksBefore, std::uint64_t blocksAfter);
+    void keep();
+    void drop() noexcept { staged_.clear(); }
+
+    // Forgets what it has read.
+    void clear() noexcept;
+
+  private:
+    LiveBits& cached(Connection& connection, std::uint32_t block);
+
+    static constexpr std::size_t kMostCached = 2048;
+
+    std::unordered_map<std::uint32_t, LiveBits> cache_;
+    std::map<std::uint32_t, LiveBits> staged_;
+    LiveBits* last_ = nullptr;  // the block that was asked for last, most often asked for again
+    std::uint32_t lastBlock_ = 0;
+};
+
+}  // namespace norvane::platform::core::storage::datastore

@@ -203,6 +203,7 @@ void Overlay::becomeCommitted(const StoreMeta& meta) noexcept {
     listed_.clear();
     undo_.clear();
     ++scope_;
+    evictAbove_ = options_.memoryLimit;  // what had to stay may go now
     committed_ = meta;
     version_ = meta.version;
     next_ = meta.next;

@@ -28,7 +28,7 @@ class ConformsTest : public ModelTest {
 
     SharedPtr<ISchema> locate(const char16_t* names) { return locator->locate(names); }
 
-    MemoryDataStore types;
+    ModelStore types;
     SharedPtr<IContainer> library = IContainerFrontEnd::toplevel(&types, u"lib");
     SharedPtr<ISchemaLocator> locator = ISchemaLocator::make(&types);
 };

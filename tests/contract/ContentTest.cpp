@@ -151,7 +151,7 @@ TEST_F(ContentTest, AddTakesAllThatIsBelow) {
 }
 
 TEST_F(ContentTest, AddFromAnotherStoreLeavesTheItemThere) {
-    MemoryDataStore other;
+    ModelStore other;
     auto there = IContainerFrontEnd::toplevel(&other, u"there");
     makeRich(*there, u"rich");
     auto item = there->find(u"rich");
@@ -318,7 +318,7 @@ TEST_F(ContentTest, MergeOfAParentIntoItsChildEnds) {
 }
 
 TEST_F(ContentTest, CopyToNeedsAParentAndGivesTheNewName) {
-    MemoryDataStore other;
+    ModelStore other;
     const auto there = IContainerFrontEnd::toplevel(&other, u"there");
     makeGroup(*there, u"deep");
     const auto rich = makeRich(*top, u"rich");
@@ -333,7 +333,7 @@ TEST_F(ContentTest, CopyToNeedsAParentAndGivesTheNewName) {
 }
 
 TEST_F(ContentTest, CopyToTakesAllThatIsStored) {
-    MemoryDataStore other;
+    ModelStore other;
     IContainerFrontEnd::toplevel(&other, u"there");
     makeRich(*top, u"rich");
 
@@ -343,7 +343,7 @@ TEST_F(ContentTest, CopyToTakesAllThatIsStored) {
 }
 
 TEST_F(ContentTest, CopyToWithoutADotLandsInsideTheToplevelOfThatName) {
-    MemoryDataStore other;
+    ModelStore other;
     IContainerFrontEnd::toplevel(&other, u"same");
     const auto a = makeGroup(*top, u"a");
 
@@ -355,7 +355,7 @@ TEST_F(ContentTest, CopyToWithoutADotLandsInsideTheToplevelOfThatName) {
 }
 
 TEST_F(ContentTest, CopyToAMissingParentIsFalseAndCopiesNothing) {
-    MemoryDataStore other;
+    ModelStore other;
     IContainerFrontEnd::toplevel(&other, u"there")->makePrimitive(u"p", kInt32);
     const auto before = contentsOf(other);
 
@@ -368,7 +368,7 @@ TEST_F(ContentTest, CopyToAMissingParentIsFalseAndCopiesNothing) {
 }
 
 TEST_F(ContentTest, CopyToAnEmptyStoreIsFalseAndLeavesItEmpty) {
-    MemoryDataStore empty;
+    ModelStore empty;
 
     EXPECT_FALSE(top->copyTo(&empty, u"top.copy"));
     EXPECT_FALSE(top->copyTo(&empty, u"top"));
@@ -377,7 +377,7 @@ TEST_F(ContentTest, CopyToAnEmptyStoreIsFalseAndLeavesItEmpty) {
 }
 
 TEST_F(ContentTest, CopyToATakenNameIsTrueAndLeavesAnOrphan) {
-    MemoryDataStore other;
+    ModelStore other;
     makeGroup(*IContainerFrontEnd::toplevel(&other, u"there"), u"taken");
     const std::uint64_t before = other.recordCount();
 

@@ -28,7 +28,7 @@ std::vector<FieldPlace> fieldsOf(int kind) {
 }
 
 // What a field is set to: limits, and offsets of other records, the root and the record itself among them.
-std::vector<std::uint64_t> extremesFor(const MemoryDataStore& store, Offset offset, std::size_t width) {
+std::vector<std::uint64_t> extremesFor(const ModelStore& store, Offset offset, std::size_t width) {
     if (width == 1) return {0, 1, 2, 3, 4, 5, 6, 0xFF};
     return {0, 1, 0x7FFFFFFF, 0x80000000, 0xFFFFFFFE, 0xFFFFFFFF, offset, store.recordCount() / 2};
 }
@@ -151,17 +151,17 @@ void runAll(Model& model) {
     model.closeAll();
 }
 
-using Damage = std::function<void(MemoryDataStore& store)>;
+using Damage = std::function<void(ModelStore& store)>;
 
 void expectSurvival(const Damage& damage) {
     {
-        MemoryDataStore memory;
+        ModelStore memory;
         Model model(memory);
         damage(memory);
         runAll(model);
     }
     {
-        MemoryDataStore memory;
+        ModelStore memory;
         Model model(memory);
         auto schema = model.schema;
         auto locator = model.locator;
@@ -176,7 +176,7 @@ void expectSurvival(const Damage& damage) {
 }
 
 std::uint64_t recordsOfAModel() {
-    MemoryDataStore memory;
+    ModelStore memory;
     Model model(memory);
     return memory.size();
 }
@@ -184,7 +184,7 @@ std::uint64_t recordsOfAModel() {
 class DamagedRecordTest : public ::testing::TestWithParam<Offset> {};
 
 TEST_P(DamagedRecordTest, SurvivesExtremeFields) {
-    MemoryDataStore sample;
+    ModelStore sample;
     Model model(sample);
     const RawRecord record(sample, GetParam());
     if (record.size() == 0) return;
@@ -192,21 +192,20 @@ TEST_P(DamagedRecordTest, SurvivesExtremeFields) {
     for (const FieldPlace field : fieldsOf(record.kind())) {
         if (field.position + field.width > record.size()) continue;
         for (const std::uint64_t value : extremesFor(sample, GetParam(), field.width))
-            expectSurvival([&](MemoryDataStore& store) {
-                overwrite(store, GetParam(), field.position, value, field.width);
-            });
+            expectSurvival(
+                [&](ModelStore& store) { overwrite(store, GetParam(), field.position, value, field.width); });
     }
 }
 
 TEST_P(DamagedRecordTest, SurvivesAnyShortening) {
-    MemoryDataStore sample;
+    ModelStore sample;
     Model model(sample);
     const std::size_t size = RawRecord(sample, GetParam()).size();
 
     for (const std::size_t cut :
          {0u, 1u, 4u, 5u, 13u, 17u, 18u, 21u, 22u, 30u, 31u, 33u, 34u, 41u, 42u, 45u, 50u}) {
         if (cut >= size) break;
-        expectSurvival([&](MemoryDataStore& store) {
+        expectSurvival([&](ModelStore& store) {
             const auto bytes = RawRecord(store, GetParam()).bytes();
             store.write(GetParam(), bytes.data(), static_cast<std::uint32_t>(cut), true);
         });
@@ -214,7 +213,7 @@ TEST_P(DamagedRecordTest, SurvivesAnyShortening) {
 }
 
 TEST_P(DamagedRecordTest, SurvivesItsLoss) {
-    expectSurvival([](MemoryDataStore& store) { store.remove(GetParam()); });
+    expectSurvival([](ModelStore& store) { store.remove(GetParam()); });
 }
 
 INSTANTIATE_TEST_SUITE_P(EachRecord, DamagedRecordTest,

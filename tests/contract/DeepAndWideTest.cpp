@@ -71,7 +71,7 @@ TEST_F(DeepTest, CopyTakesAllLevels) {
 }
 
 TEST_F(DeepTest, CopyIntoAnotherStoreTakesAllLevels) {
-    MemoryDataStore other;
+    ModelStore other;
     const auto there = IContainerFrontEnd::toplevel(&other, u"there");
 
     onSmallStack([&] {
@@ -149,7 +149,7 @@ TEST_F(WideTest, StepOfAFilterCostsTheSameAtAnyWidth) {
 
 TEST_F(WideTest, ManyChildrenAreMadeFoundCopiedAndRemoved) {
     constexpr int kChildren = 30000;
-    MemoryDataStore store;
+    ModelStore store;
     auto top = IContainerFrontEnd::toplevel(&store, u"top");
     auto wide = top->makeContainer(kGroup, u"wide", nullptr);
     const auto nameOf = [](int number) {

@@ -122,7 +122,7 @@ TEST_F(LinkTest, TargetIsNoPathFromTheLinkItself) {
 }
 
 TEST_F(LinkTest, GivenStoreIsTheOnlyOneSearched) {
-    MemoryDataStore other;
+    ModelStore other;
     const auto there = IContainerFrontEnd::toplevel(&other, u"far");
     makeGroup(*top, u"near");
 
@@ -133,7 +133,7 @@ TEST_F(LinkTest, GivenStoreIsTheOnlyOneSearched) {
 }
 
 TEST_F(LinkTest, EmptyStoreResolvesNothing) {
-    MemoryDataStore empty;
+    ModelStore empty;
 
     EXPECT_FALSE(target(u"top").resolve(&empty));
     EXPECT_EQ(empty.size(), 0u);

@@ -14,7 +14,7 @@ class FailingOperationTest : public ::testing::TestWithParam<Operation> {
   protected:
     // Runs the operation with a failure at call n. False when it got through without one.
     bool failsAt(std::uint64_t n, Failing failing, Extensions extensions) {
-        MemoryDataStore memory;
+        ModelStore memory;
         ThrowingStore store(memory, extensions);
         Model model(store);
 
@@ -39,7 +39,7 @@ class FailingOperationTest : public ::testing::TestWithParam<Operation> {
     }
 
     // A handle whose entity went under another name is not looked for.
-    static void expectOpenWhereHandlesAre(Model& model, MemoryDataStore& memory) {
+    static void expectOpenWhereHandlesAre(Model& model, ModelStore& memory) {
         const auto expectOpen = [&memory](auto& handle) {
             if (!handle) return;
             std::u16string path = textOf(handle->path());
@@ -53,7 +53,7 @@ class FailingOperationTest : public ::testing::TestWithParam<Operation> {
     }
 
     // One failure can keep one count from going down; that is all it can do.
-    static void expectCountsAtRest(MemoryDataStore& memory, Failing failing) {
+    static void expectCountsAtRest(ModelStore& memory, Failing failing) {
         std::uint64_t raised = 0;
         for (Offset offset = 0; offset < memory.size(); ++offset) {
             const RawRecord each(memory, offset);
@@ -110,7 +110,7 @@ class FailingUnlockStore : public ForwardingStore {
 // The result of an operation is complete when its guard goes: it must not be lost with the guard's exception.
 TEST_P(FailingOperationTest, LosesNoResultWhenAGuardFails) {
     for (std::uint64_t n = 1;; ++n) {
-        MemoryDataStore memory;
+        ModelStore memory;
         FailingUnlockStore store(memory);
         Model model(store);
 

@@ -232,7 +232,7 @@ TEST_F(FrontEndTest, HandlesOutliveEachOther) {
 // What a document that begins with a group leaves in an empty store.
 TEST_F(FrontEndTest, RecordZeroThatIsAContainerServesAsTheRoot) {
     {
-        MemoryDataStore other;
+        ModelStore other;
         auto top = IContainerFrontEnd::toplevel(&other, u"top");
         top.reset();
         const RawRecord group = record(other, u"top");
@@ -251,7 +251,7 @@ TEST_F(FrontEndTest, RecordZeroThatIsAContainerServesAsTheRoot) {
 
 TEST_F(FrontEndTest, RecordZeroThatIsAPrimitiveGivesNull) {
     {
-        MemoryDataStore other;
+        ModelStore other;
         auto top = IContainerFrontEnd::toplevel(&other, u"top");
         top->makePrimitive(u"p", kDouble);
         const RawRecord primitive = record(other, u"top/p");

@@ -295,7 +295,7 @@ class GuardlessStore : private detail::OwnMemory, public ForwardingStore {
   public:
     GuardlessStore() : ForwardingStore(memory, Extensions::off) {}
     Guard* lock() override { return nullptr; }
-    MemoryDataStore& behind() { return memory; }
+    IDataStore& behind() { return memory; }
 };
 
 TEST(GuardlessStoreTest, EveryOperationWorksWithoutAGuard) {

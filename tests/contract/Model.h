@@ -11,7 +11,6 @@
 #include <string_view>
 #include <vector>
 
-#include "norvane/platform/core/storage/datastore/MemoryDataStore.h"
 #include "norvane/platform/data/metadata/IPrimitive.h"
 #include "norvane/platform/data/metadata/IProperty.h"
 #include "norvane/platform/data/metadata/IPropertyFilter.h"
@@ -27,13 +26,13 @@
 #include "norvane/platform/data/structure/IGroup.h"
 #include "norvane/platform/data/structure/ILink.h"
 #include "norvane/platform/data/structure/INode.h"
+#include "support/ModelStore.h"
 #include "support/WideText.h"
 
 namespace norvane::platform::test {
 
 using core::memory::SharedPtr;
 using core::storage::datastore::IDataStore;
-using core::storage::datastore::MemoryDataStore;
 using core::string::WideString;
 using data::metadata::IPrimitive;
 using data::metadata::IProperty;
@@ -169,7 +168,7 @@ inline std::vector<std::u16string> namesIn(IDataStore& store, std::u16string_vie
 }
 
 // How often entities are open, over the whole store.
-inline std::uint64_t openCountsOf(MemoryDataStore& store) {
+inline std::uint64_t openCountsOf(IDataStore& store) {
     std::uint64_t sum = 0;
     for (Offset offset = 0; offset < store.size(); ++offset) {
         const RawRecord each(store, offset);
@@ -179,7 +178,7 @@ inline std::uint64_t openCountsOf(MemoryDataStore& store) {
 }
 
 // All records with their bytes, to compare before and after.
-inline std::vector<std::vector<unsigned char>> contentsOf(MemoryDataStore& store) {
+inline std::vector<std::vector<unsigned char>> contentsOf(IDataStore& store) {
     std::vector<std::vector<unsigned char>> contents;
     for (Offset offset = 0; offset < store.size(); ++offset)
         contents.push_back(RawRecord(store, offset).bytes());
@@ -224,12 +223,12 @@ bool write(IPrimitive& primitive, std::vector<T> values, std::uint32_t start = 0
     return primitive.writeValues(values.data(), start, static_cast<std::uint32_t>(values.size()));
 }
 
-// A store in memory. Its destructor may throw by declaration only.
+// A store of its own. Its destructor may throw by declaration only.
 class StoreTest : public ::testing::Test {
   protected:
     ~StoreTest() noexcept override = default;
 
-    MemoryDataStore store;
+    ModelStore store;
 };
 
 // A store with a top-level group called "top" and a handle on it.

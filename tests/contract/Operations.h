@@ -29,7 +29,7 @@ struct Model {
     }
 
     IDataStore& store;
-    MemoryDataStore other;
+    ModelStore other;
     SharedPtr<ISchemaLocator> locator;
     SharedPtr<ISchema> schema;
     SharedPtr<IContainer> top, g, node, link, from, item;

@@ -403,7 +403,7 @@ TEST_F(PrimitiveTest, ValueOfAMillionElementsGoesInAndOut) {
 }
 
 TEST_F(PrimitiveTest, ValueAboveTheStoresLimitIsRefused) {
-    MemoryDataStore small(MemoryDataStore::Options{1000});
+    ModelStore small(1000);
     const auto p = IContainerFrontEnd::toplevel(&small, u"top")->makePrimitive(u"p", kDouble);
     const std::vector<double> values(200, 1.5);
 

@@ -465,7 +465,7 @@ class Program {
     }
 
     std::mt19937 random_;
-    MemoryDataStore real_;
+    ModelStore real_;
     Store store_;
     std::deque<ContainerHandle> containers_;
     std::deque<PropertyHandle> properties_;

@@ -166,7 +166,7 @@ TEST_F(StaleContainerTest, RenamedAncestorShowsInThePath) {
 }
 
 TEST_F(StaleContainerTest, ClassTextIsThatOfTheOpening) {
-    MemoryDataStore types;
+    ModelStore types;
     auto type = IContainerFrontEnd::toplevel(&types, u"lib")->makeTable(u"T", nullptr);
     type->makePrimitive(u"m", kInt32, 0);
     const auto locator = ISchemaLocator::make(&types);

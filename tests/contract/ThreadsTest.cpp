@@ -114,7 +114,7 @@ class StoppingStore : public ForwardingStore {
 
 TEST_F(ThreadsTest, ToplevelAndFindRunOneAtATimeWhateverTheStoreHandlesDoNot) {
     const auto handle = IContainerFrontEnd::toplevel(&store, u"top");
-    MemoryDataStore memory;
+    ModelStore memory;
     StoppingStore stopping(memory);
     std::thread first([&stopping] { IContainerFrontEnd::toplevel(&stopping, u"x"); });
     stopping.waitUntilAsked();
@@ -135,14 +135,14 @@ TEST_F(ThreadsTest, ToplevelAndFindRunOneAtATimeWhateverTheStoreHandlesDoNot) {
 }
 
 TEST_F(ThreadsTest, StoresAreIndependentOfEachOther) {
-    MemoryDataStore stores[kThreads];
+    ModelStore stores[kThreads];
 
     onThreads([&stores](int thread) {
         const auto top = IContainerFrontEnd::toplevel(&stores[thread], u"top");
         for (int i = 0; i < 100; ++i) top->makePrimitive(numbered(u'p', i).c_str(), kInt32);
     });
 
-    for (MemoryDataStore& each : stores) EXPECT_EQ(namesIn(each, u"top").size(), 100u);
+    for (ModelStore& each : stores) EXPECT_EQ(namesIn(each, u"top").size(), 100u);
 }
 
 }  // namespace

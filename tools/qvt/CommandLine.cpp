@@ -3,6 +3,7 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cctype>
+#include <limits>
 #include <utility>
 #include <vector>
 
@@ -13,15 +14,24 @@ namespace qvt {
 
 namespace {
 
+#ifdef QVT_FILE
+const Verb* const kVerbs[] = {&kImport,   &kExport, &kTree,   &kShow,    &kGet,  &kSet,    &kNew,
+                              &kRm,       &kMv,     &kCp,     &kMerge,   &kStat, &kSchema, &kUnits,
+                              &kConforms, &kCheck,  &kRepair, &kCompact, &kDump};
+#else
 const Verb* const kVerbs[] = {&kExport, &kTree, &kShow, &kGet, &kStat, &kSchema, &kUnits, &kConforms, &kDump};
+#endif
 
 constexpr const char* kFooter =
-    "STORE is a document (model.xml), or - for one on standard input. File stores (model.qvt) are not in\n"
-    "this build yet. PATH is a dotted path without the root's name; no PATH means the root.\n"
+    "STORE is a file store (model.qvt), a document (model.xml), or - for a document on standard input. "
+    "Verbs\n"
+    "that change something take file stores only. PATH is a dotted path without the root's name; no PATH\n"
+    "means the root.\n"
     "\n"
     "Exit status: 0 done, or yes; 1 no, or a document had reports (its elements that were skipped);\n"
-    "2 wrong usage; 3 the input is missing, unreadable or not well-formed, or nothing is at PATH;\n"
-    "70 the program could not do its work.\n"
+    "2 wrong usage; 3 the input is missing, unreadable or not well-formed, or nothing is at PATH; 4 the\n"
+    "store is damaged; 5 another writer has the store; 6 an edit was refused; 7 the output or the store\n"
+    "cannot be written; 70 a fault of the program.\n"
     "\n"
     "qvt VERB --help tells more.";
 
@@ -56,24 +66,52 @@ std::string mustBeCount(const std::string& text) {
     return isNumber ? std::string() : text + " is no number of levels";
 }
 
+void addText(CLI::App& app, const char* name, std::string& value, const char* description) {
+    app.add_option(name, value, description)->required();
+}
+
+void addStores(CLI::App& app, const Verb& verb, Options& options) {
+    if (verb.has(Verb::kStore)) addText(app, "STORE", options.store, "file store, document, or -");
+    if (verb.has(Verb::kFile)) addText(app, "STORE", options.store, "file store (*.qvt)");
+    if (verb.has(Verb::kDocuments))
+        app.add_option("DOC", options.words, "documents, and last the file store (*.qvt)")
+            ->type_name("... STORE")
+            ->required()
+            ->expected(2, std::numeric_limits<int>::max());
+    if (!verb.has(Verb::kRepairOptions)) return;
+    addText(app, "IN", options.store, "file store (*.qvt), which stays as it is");
+    addText(app, "OUT", options.target, "file store (*.qvt) to make");
+}
+
 void addPlaces(CLI::App& app, const Verb& verb, Options& options) {
-    if (verb.has(Verb::kStore))
-        app.add_option("STORE", options.store, "document, or - for standard input")->required();
-    if (verb.has(Verb::kPath)) app.add_option("PATH", options.path, "dotted path")->required();
+    if (verb.has(Verb::kPath)) addText(app, "PATH", options.path, "dotted path");
     if (verb.has(Verb::kOptionalPath))
         app.add_option("PATH", options.path, "dotted path; the root if left out");
-    if (verb.has(Verb::kClass)) app.add_option("CLASS", options.className, "class")->required();
+    if (verb.has(Verb::kPaths)) app.add_option("PATH", options.words, "dotted paths")->required();
+    if (verb.has(Verb::kNewPath)) addText(app, "NEWPATH", options.target, "dotted path");
+    if (verb.has(Verb::kSource)) {
+        addText(app, "SOURCE", options.target, "file store, document, or -");
+        app.add_option("SPATH", options.sourcePath, "dotted path in SOURCE; the root if left out");
+    }
+    if (verb.has(Verb::kType)) addText(app, "KIND|TYPE", options.type, "what to make");
+    if (verb.has(Verb::kClass)) addText(app, "CLASS", options.className, "class");
     if (verb.has(Verb::kOptionalName))
         app.add_option("NAME", options.name, "unit or dimension; all if left out");
+    if (verb.has(Verb::kValues)) app.add_option("VALUE", options.words, "the value, or its parts");
     if (verb.has(Verb::kRecordOptions))
         app.add_option("OFFSET", options.offset, "a record's offset, as 12 or 0xc");
 }
 
-void addChoices(CLI::App& app, const Verb& verb, Options& options) {
-    if (verb.has(Verb::kStore))
+void addName(CLI::App& app, const char* option, std::string& value, const char* description,
+             const char* type) {
+    app.add_option(option, value, description)->type_name(type);
+}
+
+void addReading(CLI::App& app, const Verb& verb, Options& options) {
+    if (verb.has(Verb::kSchemas))
         app.add_option("--schemas", options.schemas,
-                       "document to look up classes in, besides the document itself; may be repeated")
-            ->type_name("DOC")
+                       "store or document to look up classes in, besides STORE; may be repeated")
+            ->type_name("STORE")
             ->allow_extra_args(false);
     if (verb.has(Verb::kTreeOptions)) {
         app.add_option("-d,--depth", options.depth, "how many levels below the object")
@@ -83,10 +121,37 @@ void addChoices(CLI::App& app, const Verb& verb, Options& options) {
     }
     if (verb.has(Verb::kRecordOptions)) app.add_flag("--all", options.all, "every record");
     if (verb.has(Verb::kJson)) addWords(app, "-f,--format", kFormats, options.format, "form of the answer");
-    addWords(app, "--color", kColors, options.color, "colours of tree; auto heeds the terminal and NO_COLOR");
-    app.add_option("-o,--output", options.output,
-                   "write to a file, which takes its name only when it is whole")
-        ->type_name("FILE");
+}
+
+void addEditing(CLI::App& app, const Verb& verb, Options& options) {
+    if (verb.has(Verb::kType)) addName(app, "--class", options.className, "class of what is made", "CLASS");
+    if (verb.has(Verb::kUnit)) addName(app, "--unit", options.unit, "unit of the primitive", "UNIT");
+    if (verb.has(Verb::kTo)) addName(app, "--to", options.to, "copy into another file store", "STORE");
+    if (verb.has(Verb::kDocuments)) {
+        addName(app, "--into", options.into, "container to read into; the root if left out", "PATH");
+        app.add_flag("--keep-going", options.keepsGoing, "keep what could be read of a document");
+    }
+    if (verb.has(Verb::kRepairOptions)) {
+        app.add_flag("--salvage", options.salvage, "look for records in every page");
+        addName(app, "--recover", options.recovered, "group for what nothing leads to", "NAME");
+    }
+    if (!verb.has(Verb::kValueOptions)) return;
+    app.add_option("--uri", options.uri, "the value lies there")->type_name("URI");
+    app.add_option("--name", options.names, "display name in a locale; may be repeated")
+        ->type_name("LOCALE=TEXT")
+        ->allow_extra_args(false);
+}
+
+void addChoices(CLI::App& app, const Verb& verb, Options& options) {
+    addReading(app, verb, options);
+    addEditing(app, verb, options);
+    if (verb.has(Verb::kAnswers)) {
+        addWords(app, "--color", kColors, options.color,
+                 "colours of tree; auto heeds the terminal and NO_COLOR");
+        app.add_option("-o,--output", options.output,
+                       "write to a file, which takes its name only when it is whole")
+            ->type_name("FILE");
+    }
     app.add_flag("-q,--quiet", options.quiet, "no reports, warnings and progress on standard error");
 }
 
@@ -122,13 +187,24 @@ int printHelp(CLI::App& app, const std::string& about) {
     return print(helpOn(*verbs.front(), "qvt "));
 }
 
+// What the options alone do not say.
+void take(const CLI::App& app, const Verb& verb, Command& command) {
+    command.verb = &verb;
+    Options& options = command.options;
+    options.hasUri = verb.has(Verb::kValueOptions) && app.count("--uri") != 0;
+    if (!verb.has(Verb::kDocuments)) return;
+    options.store = options.words.back();
+    options.words.pop_back();
+}
+
 void addVerb(CLI::App& app, const Verb& verb, Command& command) {
     CLI::App* sub = app.add_subcommand(verb.name, verb.summary);
     sub->group("Verbs");
     sub->footer(verb.details);
+    addStores(*sub, verb, command.options);
     addPlaces(*sub, verb, command.options);
     addChoices(*sub, verb, command.options);
-    sub->callback([&command, &verb] { command.verb = &verb; });
+    sub->callback([&command, &verb, sub] { take(*sub, verb, command); });
 }
 
 int parse(CLI::App& app, int argc, const char* const* argv) {
@@ -154,7 +230,8 @@ int parse(CLI::App& app, int argc, const char* const* argv) {
 Command commandOf(int argc, const char* const* argv) {
     Command command;
     CLI::App app(
-        "Reads, shows and writes design data: a tree of objects with typed values, units and classes.",
+        "Reads, shows, changes and writes design data: a tree of objects with typed values, units and "
+        "classes.",
         "qvt");
     app.footer(kFooter);
     app.get_formatter()->label("SUBCOMMAND", "VERB");

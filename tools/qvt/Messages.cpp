@@ -25,8 +25,13 @@ void Messages::report(std::string_view file, const Place& place, std::string_vie
     if (!isQuiet_) print(printable(placeIn(file, place) + ": error: " + std::string(words)));
 }
 
-void Messages::warn(std::string_view file, const Place& place, std::string_view words) const {
-    if (!isQuiet_) print(printable(placeIn(file, place) + ": warning: " + std::string(words)));
+void Messages::lost(std::string_view words) {
+    hasReports_ = true;
+    print(printable(words));
+}
+
+void Messages::warn(std::string_view words) const {
+    if (!isQuiet_) print(printable(words));
 }
 
 void Messages::fail(std::string_view words) { print(printable(words)); }

@@ -19,8 +19,11 @@ class Messages {
 
     // An element that was skipped. Counted also when nothing is printed.
     void report(std::string_view file, const Place& place, std::string_view words);
+    // What the answer lacks without any fault of a document. Counted like a report, and printed even when
+    // quiet: without it nobody would know.
+    void lost(std::string_view words);
     // Something that the user may want to know and that changes no exit status.
-    void warn(std::string_view file, const Place& place, std::string_view words) const;
+    void warn(std::string_view words) const;
     // What ends the run; printed even when quiet.
     static void fail(std::string_view words);
 

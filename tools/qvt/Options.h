@@ -10,11 +10,15 @@
 namespace qvt {
 
 enum Status : int {
-    kDone = 0,     // done; the answer is yes
-    kNo = 1,       // the answer is no, or a document had reports
-    kUsage = 2,    // the command line is wrong
-    kMissing = 3,  // the input is missing, unreadable or not well-formed, or nothing stands at the path
-    kFault = 70,   // the program could not do its work
+    kDone = 0,       // done; the answer is yes
+    kNo = 1,         // the answer is no, or a document had reports
+    kUsage = 2,      // the command line is wrong
+    kMissing = 3,    // the input is missing, unreadable or not well-formed, or nothing stands at the path
+    kDamaged = 4,    // the store contradicts itself
+    kBusy = 5,       // another writer has the store
+    kRefused = 6,    // an edit that cannot be: fixed, in use, name taken
+    kUnwritten = 7,  // no room, no permission: the output or the store cannot be written
+    kFault = 70,     // a fault of the program
 };
 
 enum class Format { text, json };
@@ -26,6 +30,19 @@ struct Options {
     std::string className;
     std::string name;
     std::string offset;
+    std::string target;      // NEWPATH, SOURCE or OUT
+    std::string sourcePath;  // of merge
+    std::string type;        // of what is made
+    std::string unit;
+    std::string into;
+    std::string to;
+    std::string recovered;
+    std::vector<std::string> words;  // DOC... STORE, PATH... or VALUE...
+    std::vector<std::string> names;  // LOCALE=TEXT
+    bool hasUri = false;
+    std::string uri;
+    bool keepsGoing = false;
+    bool salvage = false;
     std::vector<std::string> schemas;
     std::string output;
     Format format = Format::text;

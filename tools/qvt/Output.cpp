@@ -53,7 +53,7 @@ void Output::flush() {
     for (std::string_view rest = pending_; !rest.empty();) {
         const std::size_t written = writer_.write(rest.data(), rest.size());
         check();
-        if (written == 0) throw Failure(kFault, name_ + ": error: cannot write it: it takes nothing");
+        if (written == 0) throw Failure(kUnwritten, name_ + ": error: cannot write it: it takes nothing");
         rest.remove_prefix(written);
     }
     pending_.clear();
@@ -62,7 +62,7 @@ void Output::flush() {
 void Output::check() {
     if (!writer_.failed()) return;
     if (!isFile_ && writer_.errorNumber() == EPIPE) throw OutputClosed();
-    throw Failure(kFault, name_ + ": error: cannot write it: " + writer_.error());
+    throw Failure(kUnwritten, name_ + ": error: cannot write it: " + writer_.error());
 }
 
 }  // namespace qvt

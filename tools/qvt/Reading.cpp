@@ -1,12 +1,13 @@
 #include "Reading.h"
 
 #include <exception>
-#include <set>
 #include <string>
 
+#include "MissingClasses.h"
 #include "Options.h"
 #include "Progress.h"
 #include "norvane/platform/core/io/MemoryReader.h"
+#include "norvane/platform/core/storage/datastore/StoreError.h"
 #include "norvane/platform/core/xml/DiagnosingReader.h"
 #include "norvane/platform/data/format/xml/IErrorReporter.h"
 #include "norvane/platform/data/format/xml/IXMLFrontEnd.h"
@@ -15,6 +16,7 @@ namespace qvt {
 
 namespace {
 
+using core::storage::datastore::StoreError;
 using data::format::xml::IXMLFrontEnd;
 
 // Knows, beside the place, whether a parse was stopped by the document or by an exception.
@@ -68,94 +70,47 @@ class Reporter : public data::format::xml::IErrorReporter {
     const DocumentReader& reader_;
 };
 
-// Notes the classes that a document names and that are not found: the library passes over them in silence,
-// and a document read without its class library loses its class names.
-class NotingLocator : public ISchemaLocator {
-  public:
-    NotingLocator(ISchemaLocator& locator, const DocumentReader& reader)
-        : locator_(locator), reader_(reader) {}
-
-    SharedPtr<ISchema> locate(WideString names) override {
-        SharedPtr<ISchema> schema = locator_.locate(names);
-        if (names.isEmpty() || (schema && names.view().find(u';') == std::u16string_view::npos))
-            return schema;
-        noteMissing(utf8(names));
-        return schema;
-    }
-    void addStore(IDataStore* store) override { locator_.addStore(store); }
-    bool removeStore(IDataStore* store) override { return locator_.removeStore(store); }
-    void clearStores() override { locator_.clearStores(); }
-
-    void warn(const Messages& messages, const Input& input) const {
-        if (missing_.empty()) return;
-        std::string words = "class " + first_ + " is not known";
-        const std::size_t others = missing_.size() - 1;
-        if (others == 1) words += ", nor is another one";
-        if (others > 1) words += ", nor are " + std::to_string(others) + " others";
-        messages.warn(input.name(), firstPlace_, words + " (--schemas DOC says where to look)");
-    }
-
-  private:
-    void noteMissing(const std::string& names) {
-        for (std::size_t start = 0; start <= names.size();) {
-            const std::size_t end = std::min(names.find(';', start), names.size());
-            note(names.substr(start, end - start));
-            start = end + 1;
-        }
-    }
-
-    void note(const std::string& name) {
-        if (name.empty() || missing_.count(name) != 0 || locator_.locate(wide(name))) return;
-        if (missing_.empty()) {
-            first_ = name;
-            firstPlace_ = reader_.place();
-        }
-        missing_.insert(name);
-    }
-
-    ISchemaLocator& locator_;
-    const DocumentReader& reader_;
-    std::set<std::string> missing_;
-    std::string first_;
-    Place firstPlace_;
-};
+constexpr const char* kSubset = "document type with an internal subset";
 
 // The parser's own words for a stray character say once more what the message says already.
 std::string wordsFor(const std::string& text) {
     return text == "not well-formed (invalid token)" ? "invalid token" : text;
 }
 
+// A document type with declarations of its own may well be well-formed.
+std::string reasonOf(const DocumentReader& reader) {
+    if (reader.stopText() == kSubset) return std::string("a ") + kSubset + " is not read";
+    return (reader.isMalformed() ? "not well-formed: " : "reading stopped: ") + wordsFor(reader.stopText());
+}
+
 [[noreturn]] void failAt(const Input& input, const DocumentReader& reader) {
-    const char* what = reader.isMalformed() ? "not well-formed: " : "reading stopped: ";
-    throw Failure(kMissing, placeIn(input.name(), reader.stopPlace()) + ": error: " + what +
-                                wordsFor(reader.stopText()));
+    throw Failure(kMissing, placeIn(input.name(), reader.stopPlace()) + ": error: " + reasonOf(reader));
 }
 
 }  // namespace
 
-// The container form lets exceptions out, the store form does not; both tell the reader.
+// The container form lets exceptions out; the store form does not, but a store of which one came throws it
+// again in the end. The reader has heard of all of them.
 template <class Target>
-void Reading::read(Target* target, const Input& input, std::string_view bytes) {
-    Messages silent(true);
-    Messages& messages = messages_ ? *messages_ : silent;
-    DocumentReader reader(input, bytes, messages.isQuiet());
-    Reporter reporter(messages, input, reader);
-    NotingLocator locator(locator_, reader);
+void Reading::read(Target* target, const Input& input) {
+    DocumentReader reader(input, input.bytes(), messages_.isQuiet());
+    Reporter reporter(messages_, input, reader);
+    MissingClasses classes(locator_, [&] { return placeIn(input.name(), reader.place()); });
     try {
-        IXMLFrontEnd::parse(target, &reader, &locator, nullptr, &reporter);
+        IXMLFrontEnd::parse(target, &reader, &classes, nullptr, &reporter);
+#ifdef QVT_FILE
+    } catch (const StoreError&) {
+        throw;
+#endif
     } catch (const std::exception&) {
         if (!reader.DiagnosingReader::stopped()) throw;
     }
     if (reader.DiagnosingReader::stopped()) failAt(input, reader);
-    locator.warn(messages, input);
+    classes.tell(messages_);
 }
 
-void Reading::into(IDataStore& store, const Input& input) { read(&store, input, input.bytes()); }
+void Reading::into(IDataStore& store, const Input& input) { read(&store, input); }
 
-void Reading::into(IContainer& container, const Input& input) { read(&container, input, input.bytes()); }
-
-void Reading::into(IContainer& container, const Input& input, const std::string& bytes) {
-    read(&container, input, bytes);
-}
+void Reading::into(IContainer& container, const Input& input) { read(&container, input); }
 
 }  // namespace qvt

@@ -7,15 +7,29 @@
 namespace qvt {
 
 struct Verb {
+    // What a verb takes from the command line, in this order.
     enum Takes : unsigned {
-        kStore = 1,           // STORE and --schemas
-        kPath = 2,            // PATH
-        kOptionalPath = 4,    // [PATH]
-        kClass = 8,           // CLASS
-        kJson = 16,           // -f json
-        kTreeOptions = 32,    // -d and --values
-        kRecordOptions = 64,  // [OFFSET] or --all
-        kOptionalName = 128,  // [NAME]
+        kStore = 1u << 0,           // STORE, a document or a file
+        kFile = 1u << 1,            // STORE, a file
+        kDocuments = 1u << 2,       // DOC... STORE, with --into and --keep-going
+        kRepairOptions = 1u << 3,   // IN OUT, with --salvage and --recover
+        kPath = 1u << 4,            // PATH
+        kOptionalPath = 1u << 5,    // [PATH]
+        kPaths = 1u << 6,           // PATH...
+        kNewPath = 1u << 7,         // NEWPATH
+        kSource = 1u << 8,          // SOURCE [SPATH]
+        kType = 1u << 9,            // KIND|TYPE, with --class
+        kClass = 1u << 10,          // CLASS
+        kOptionalName = 1u << 11,   // [NAME]
+        kValues = 1u << 12,         // [VALUE...]
+        kRecordOptions = 1u << 13,  // [OFFSET] or --all
+        kSchemas = 1u << 14,        // --schemas
+        kTreeOptions = 1u << 15,    // -d and --values
+        kValueOptions = 1u << 16,   // --uri and --name
+        kUnit = 1u << 17,           // --unit
+        kTo = 1u << 18,             // --to
+        kJson = 1u << 19,           // -f json
+        kAnswers = 1u << 20,        // prints something: -o and --color
     };
 
     const char* name;
@@ -27,14 +41,24 @@ struct Verb {
     bool has(unsigned what) const { return (takes & what) != 0; }
 };
 
+extern const Verb kImport;
 extern const Verb kExport;
 extern const Verb kTree;
 extern const Verb kShow;
 extern const Verb kGet;
+extern const Verb kSet;
+extern const Verb kNew;
+extern const Verb kRm;
+extern const Verb kMv;
+extern const Verb kCp;
+extern const Verb kMerge;
 extern const Verb kStat;
 extern const Verb kSchema;
 extern const Verb kUnits;
 extern const Verb kConforms;
+extern const Verb kCheck;
+extern const Verb kRepair;
+extern const Verb kCompact;
 extern const Verb kDump;
 
 }  // namespace qvt

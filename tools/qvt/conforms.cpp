@@ -22,7 +22,7 @@ int conforms(const Options& options) {
     ObjectsView view(session);
     const Object object = view.get(options.path);
     if (view.hasRoot() && view.isRoot(object)) throw Failure(kUsage, "error: the root cannot have a class");
-    const SharedPtr<ISchema> schema = classNamed(options.className, view.locator(), session.input().name());
+    const SharedPtr<ISchema> schema = classNamed(options.className, view.locator(), session.name());
     const bool answer = doesConform(object, schema.get());
     Output output(options);
     if (options.format == Format::json)
@@ -41,6 +41,6 @@ const Verb kConforms{
     "Prints yes (exit status 0) or no (1). An object satisfies a class when its own class text names it,\n"
     "or when all members of the class occur among its children, in order, with the same names and types.\n"
     "CLASS may be several names joined by \";\". -q prints nothing.",
-    Verb::kStore | Verb::kPath | Verb::kClass | Verb::kJson, conforms};
+    Verb::kStore | Verb::kSchemas | Verb::kAnswers | Verb::kPath | Verb::kClass | Verb::kJson, conforms};
 
 }  // namespace qvt

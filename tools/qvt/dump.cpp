@@ -30,7 +30,7 @@ std::string hexadecimal(const std::vector<std::byte>& bytes) {
     return text;
 }
 
-void putAll(Output& output, MemoryDataStore& store) {
+void putAll(Output& output, IDataStore& store) {
     const std::uint64_t end = store.size();
     for (std::uint64_t i = 0; i < end; ++i) {
         const std::vector<std::byte> bytes = recordAt(store, static_cast<std::uint32_t>(i));
@@ -63,14 +63,13 @@ int dump(const Options& options) {
         throw Failure(kUsage, "error: dump takes either an OFFSET or --all");
     const std::uint32_t offset = options.all ? 0 : offsetIn(options.offset);
     Session session(options);
-    RecordsView view(session);
-    view.closeLocator();
-    const std::vector<std::byte> bytes = recordAt(view.store(), offset);
+    session.closeLocator();
+    const std::vector<std::byte> bytes = recordAt(session.store(), offset);
     if (!options.all && bytes.empty())
-        throw Failure(kMissing, session.input().name() + ": error: no record at offset " + options.offset);
+        throw Failure(kMissing, session.name() + ": error: no record at offset " + options.offset);
     Output output(options);
     if (options.all)
-        putAll(output, view.store());
+        putAll(output, session.store());
     else
         putOne(output, bytes, options.offset);
     output.finish();
@@ -84,7 +83,7 @@ const Verb kDump{
     "With an OFFSET: each field of that record, one a line, as byte position, width, name, value; then its\n"
     "texts and values. With --all: every record in order of offset, one a line: offset, size in bytes,\n"
     "bytes in hexadecimal, separated by one blank. A document's records are those that it has when read\n"
-    "into an empty store in memory; its root is at offset 0.",
-    Verb::kStore | Verb::kRecordOptions, dump};
+    "into an empty store. The root is at offset 0.",
+    Verb::kStore | Verb::kSchemas | Verb::kAnswers | Verb::kRecordOptions, dump};
 
 }  // namespace qvt

@@ -1,8 +1,10 @@
 // qvt export STORE [PATH]
+#include "MissingClasses.h"
 #include "Output.h"
 #include "Session.h"
 #include "Stack.h"
 #include "Verbs.h"
+#include "norvane/platform/core/storage/datastore/MemoryDataStore.h"
 #include "norvane/platform/data/format/xml/IXMLFrontEnd.h"
 #include "norvane/platform/data/structure/IContainerFrontEnd.h"
 
@@ -10,10 +12,14 @@ namespace qvt {
 
 namespace {
 
+using core::storage::datastore::MemoryDataStore;
 using data::format::xml::IXMLFrontEnd;
 
-void write(IDataStore& store, Output& output, ISchemaLocator* locator, std::uint32_t offset) {
-    IXMLFrontEnd::serialize(&store, &output, locator, offset);
+// A struct is written field by field, which takes the layout of its class.
+void write(IDataStore& store, std::uint32_t offset, Output& output, Session& session) {
+    MissingClasses classes(*session.locator(), [&session] { return session.name(); });
+    IXMLFrontEnd::serialize(&store, &output, &classes, offset);
+    classes.tell(session.messages());
 }
 
 // What a class gave and nobody changed is not written, as the class gives it again. A property that is
@@ -36,7 +42,7 @@ void makeOwn(const Object& object) {
 }
 
 // The public interface knows no offsets, but a copy into a store of its own begins with the copied object.
-void writeCopy(const Object& object, Output& output, ISchemaLocator* locator) {
+void writeCopy(const Object& object, Output& output, Session& session) {
     MemoryDataStore copies;
     const SharedPtr<IContainer> place = structure::IContainerFrontEnd::toplevel(&copies, u"copy");
     const auto offset = static_cast<std::uint32_t>(copies.size());
@@ -45,14 +51,13 @@ void writeCopy(const Object& object, Output& output, ISchemaLocator* locator) {
     else
         place->add(object.property);
     if (object.property) makeOwn(Object(place->findProperty(object.property->name())));
-    write(copies, output, locator, offset);
+    write(copies, offset, output, session);
 }
 
 int exportAll(Session& session, const Options& options) {
-    RecordsView view(session);
-    if (view.store().size() == 0) throw nothingRead(session.input().name());
+    if (session.store().size() == 0) throw nothingIn(session.name());
     Output output(options);
-    write(view.store(), output, view.locator(), 0);
+    write(session.store(), 0, output, session);
     output.finish();
     return session.status();
 }
@@ -61,7 +66,7 @@ int exportPath(Session& session, const Options& options) {
     ObjectsView view(session);
     const Object object = view.get(options.path);
     Output output(options);
-    writeCopy(object, output, view.locator());
+    writeCopy(object, output, session);
     output.finish();
     return session.status();
 }
@@ -75,9 +80,9 @@ int run(const Options& options) {
 
 const Verb kExport{
     "export", "write a document",
-    "Writes the whole document anew, or what is at PATH as a document of its own. What came from a class\n"
+    "Writes the whole store as a document, or what is at PATH as one of its own. What came from a class\n"
     "and was not changed is left out, and so is what documents cannot hold; floating numbers get 7 digits.\n"
     "Exporting an export gives the same bytes.",
-    Verb::kStore | Verb::kOptionalPath, run};
+    Verb::kStore | Verb::kSchemas | Verb::kAnswers | Verb::kOptionalPath, run};
 
 }  // namespace qvt

@@ -38,6 +38,12 @@ void putValue(Output& output, const Value& value) {
     }
 }
 
+// What has no value.
+std::string inWords(const Object& object, const ObjectsView& view) {
+    if (view.hasRoot() && view.isRoot(object)) return "the root";
+    return view.pathOf(object) + " is a " + kindOf(object) + " and";
+}
+
 // The one value there is: that of a primitive, or the target of a link.
 void put(Output& output, const Object& object, ObjectsView& view, const Options& options) {
     const bool isJson = options.format == Format::json;
@@ -57,11 +63,10 @@ int get(const Options& options) {
     Session session(options);
     ObjectsView view(session);
     const Object object = view.get(options.path);
-    const std::string name = session.input().name();
+    const std::string name = session.name();
     IPrimitive* primitive = object.primitive();
     if (!primitive && (!object.container || kindOf(object) != "link"))
-        throw Failure(kMissing,
-                      name + ": error: " + options.path + " is a " + kindOf(object) + " and has no value");
+        throw Failure(kMissing, name + ": error: " + inWords(object, view) + " has no value");
     if (primitive && primitive->uri().value())
         throw Failure(kNo, name + ": error: the value of " + options.path +
                                " lies elsewhere: " + utf8(primitive->uri()));
@@ -80,6 +85,6 @@ const Verb kGet{
     "control characters are shown as \\n, \\x1b and so on. Structs stand one a line, their fields in the\n"
     "order of the layout. Bytes are Base64. Of a link, the target is printed.\n"
     "A value that lies elsewhere (URI) is not fetched: exit status 1.",
-    Verb::kStore | Verb::kPath | Verb::kJson, get};
+    Verb::kStore | Verb::kSchemas | Verb::kAnswers | Verb::kPath | Verb::kJson, get};
 
 }  // namespace qvt

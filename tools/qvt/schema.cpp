@@ -46,8 +46,7 @@ int schema(const Options& options) {
     if (options.className.find(';') != std::string::npos)
         throw Failure(kUsage, "error: a layout is that of one class");
     Session session(options);
-    RecordsView view(session);
-    const SharedPtr<ISchema> found = classNamed(options.className, view.locator(), session.input().name());
+    const SharedPtr<ISchema> found = classNamed(options.className, session.locator(), session.name());
     Output output(options);
     output.put(options.format == Format::json ? asJson(options.className, *found->layout())
                                               : asText(*found->layout()));
@@ -62,6 +61,6 @@ const Verb kSchema{
     "One line for each field of a packed struct value of this class: its dotted name, its type, the\n"
     "number of elements, the byte offset and the size in bytes. A member whose value lies elsewhere\n"
     "(URI) has 0 elements.",
-    Verb::kStore | Verb::kClass | Verb::kJson, schema};
+    Verb::kStore | Verb::kSchemas | Verb::kAnswers | Verb::kClass | Verb::kJson, schema};
 
 }  // namespace qvt

@@ -47,9 +47,9 @@ std::vector<Default> defaultsOf(const Object& object) {
     return defaults;
 }
 
-Object targetObject(const Object& object, const ObjectsView& view) {
+Object targetObject(const Object& object) {
     ILink* link = ILink::to(object.container.get());
-    return link ? Object(link->resolve(view.linkStore())) : Object();
+    return link ? Object(link->resolve(nullptr)) : Object();
 }
 
 class AsJson {
@@ -81,7 +81,7 @@ class AsJson {
 
     void addLink(Json& answer) {
         if (answer["kind"] != "link") return;
-        const Object target = targetObject(object_, view_);
+        const Object target = targetObject(object_);
         answer["target"] = targetOf(object_);
         answer["resolves"] = static_cast<bool>(target);
     }
@@ -138,7 +138,7 @@ class AsText {
 
     void addTarget() {
         add("target", targetOf(object_));
-        const Object target = targetObject(object_, view_);
+        const Object target = targetObject(object_);
         const std::string classText = target ? classOf(target) : "";
         const std::string found = target ? "a " + kindOf(target) : "nothing";
         add("leads to", found + (classText.empty() ? "" : " [" + classText + "]"));
@@ -198,6 +198,6 @@ const Verb kShow{
     "elements (code units for text, bytes for structs; children for containers and tables), the value. A\n"
     "struct is printed field by field where its class is known. Control characters are shown as \\n, \\x1b\n"
     "and so on. In JSON the value is an array of numbers or texts, of objects for structs, or Base64.",
-    Verb::kStore | Verb::kOptionalPath | Verb::kJson, show};
+    Verb::kStore | Verb::kSchemas | Verb::kAnswers | Verb::kOptionalPath | Verb::kJson, show};
 
 }  // namespace qvt

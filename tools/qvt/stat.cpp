@@ -104,7 +104,7 @@ std::string recordKind(IDataStore& store, std::uint32_t offset) {
     return kind < std::size(kKinds) ? kKinds[kind] : std::to_string(kind);
 }
 
-std::map<std::string, Records> recordsIn(MemoryDataStore& store) {
+std::map<std::string, Records> recordsIn(IDataStore& store) {
     std::map<std::string, Records> kinds;
     const std::uint64_t end = store.size();
     for (std::uint64_t i = 0; i < end; ++i) {
@@ -196,15 +196,13 @@ class Report {
     Records all_;
 };
 
-// Records are counted as a host that parses the document has them, objects through handles.
 int stat(const Options& options) {
     Session session(options);
-    RecordsView records(session);
-    const std::map<std::string, Records> kinds = recordsIn(records.store());
-    ObjectsView view(session, false);
+    const std::map<std::string, Records> kinds = recordsIn(session.store());
+    ObjectsView view(session);
     Census census;
     census.take(view);
-    const Report report(census.totals, kinds, records.store().version());
+    const Report report(census.totals, kinds, session.store().version());
     Output output(options);
     output.put(options.format == Format::json ? report.json() : report.text());
     output.finish();
@@ -214,8 +212,8 @@ int stat(const Options& options) {
 }  // namespace
 
 const Verb kStat{
-    "stat", "count what a document holds",
-    "What classes bring in counts like what stands in the document.\n"
+    "stat", "count what a store holds",
+    "What classes bring in counts like what was given to the objects themselves.\n"
     "  containers    nodes, groups and links together; the root is none of them\n"
     "  tables, primitives\n"
     "  values        primitives with at least one element\n"
@@ -228,9 +226,10 @@ const Verb kStat{
     "                others, the containers and the root stand in the document themselves\n"
     "  overridden    those that came from a class and have another value\n"
     "  maxDepth      of objects, nested; the root has depth 1\n"
-    "  records       of all kinds, in the store that the document is read into, also those that nothing\n"
-    "                leads to; bytes is the sum of their sizes\n"
+    "  records       of all kinds, also those that nothing leads to, of a document those in the store that "
+    "it\n"
+    "                is read into; bytes is the sum of their sizes\n"
     "Then records by kind; primitives by type and by unit; objects by class text; structs by class.",
-    Verb::kStore | Verb::kJson, stat};
+    Verb::kStore | Verb::kSchemas | Verb::kAnswers | Verb::kJson, stat};
 
 }  // namespace qvt

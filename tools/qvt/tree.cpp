@@ -146,6 +146,7 @@ const Verb kTree{
     "come first, then containers, each in their order. (inherited) came from a class and is as the class\n"
     "has it, (overridden) came from a class and has another value. -> is the target of a link, <...> the\n"
     "place of a value that lies elsewhere. Long values are cut; show prints them whole.",
-    Verb::kStore | Verb::kOptionalPath | Verb::kJson | Verb::kTreeOptions, tree};
+    Verb::kStore | Verb::kSchemas | Verb::kAnswers | Verb::kOptionalPath | Verb::kJson | Verb::kTreeOptions,
+    tree};
 
 }  // namespace qvt

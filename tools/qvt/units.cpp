@@ -64,6 +64,6 @@ const Verb kUnits{
     "One line for each unit: its id, its dimension, its name. NAME is a dimension, whose units are\n"
     "printed, or a unit. Names are compared exactly; some hold a comma and blanks at their end, which\n"
     "-f json shows.",
-    Verb::kOptionalName | Verb::kJson, units};
+    Verb::kOptionalName | Verb::kJson | Verb::kAnswers, units};
 
 }  // namespace qvt

@@ -1,0 +1,32 @@
+// Files as stores.
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "Names.h"
+#include "Options.h"
+#include "norvane/platform/core/storage/datastore/FileDataStore.h"
+
+namespace qvt {
+
+using core::storage::datastore::FileDataStore;
+using core::storage::datastore::StoreError;
+
+// Whether a path names a file store (*.qvt); everything else is a document.
+bool isFileStore(std::string_view path);
+
+// Whether two paths lead to one file.
+bool isSameFile(const std::string& left, const std::string& right);
+
+// For a verb that works on files alone: a Failure for the path of a document.
+void mustBeFileStore(const std::string& path, const char* verb);
+
+// Throws StoreError, as everything that is done with the store may.
+std::unique_ptr<IDataStore> openForReading(const std::string& path);
+
+// What a store's failure means for the run. The store begins its words with the path it was opened by, and
+// messages have `path` in its place.
+Failure failureOf(const StoreError& error, const std::string& openedBy, const std::string& path);
+
+}  // namespace qvt

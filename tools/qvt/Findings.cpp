@@ -1,0 +1,62 @@
+#include "Findings.h"
+
+#include <algorithm>
+#include <nlohmann/json.hpp>
+
+#include "Describe.h"
+#include "Text.h"
+
+namespace qvt {
+
+namespace {
+
+using data::integrity::Finding;
+using data::integrity::Report;
+using data::integrity::Severity;
+
+std::string severityOf(const Finding& finding) {
+    static constexpr const char* kWords[] = {"note", "warning", "error"};
+    return kWords[static_cast<std::size_t>(finding.severity)];
+}
+
+bool hasRecord(const Finding& finding) { return finding.offset != IDataStore::BADOFF; }
+
+std::string line(const Finding& finding, const std::string& file) {
+    std::string text = file + ": " + severityOf(finding) + ": ";
+    if (hasRecord(finding)) text += "record " + std::to_string(finding.offset) + ": ";
+    if (!finding.path.empty()) text += finding.path + ": ";
+    return printable(text + finding.text + " [" + finding.code + "]") + "\n";
+}
+
+std::string counted(std::size_t count, const std::string& what) {
+    return std::to_string(count) + " " + what + (count == 1 ? "" : "s");
+}
+
+}  // namespace
+
+std::string findingsAsText(const Report& report, const std::string& file) {
+    std::string text;
+    for (const Finding& finding : report.findings) text += line(finding, file);
+    const auto errors = static_cast<std::size_t>(
+        std::count_if(report.findings.begin(), report.findings.end(),
+                      [](const Finding& each) { return each.severity == Severity::error; }));
+    return text + printable(file) + ": " + counted(report.recordCount, "record") + ", " +
+           (errors == 0 ? "sound" : counted(errors, "error")) + "\n";
+}
+
+std::string findingsAsJson(const Report& report, const std::string& file) {
+    Json findings = Json::array();
+    for (const Finding& each : report.findings)
+        findings.push_back({{"severity", severityOf(each)},
+                            {"code", each.code},
+                            {"offset", hasRecord(each) ? Json(each.offset) : Json()},
+                            {"path", orNull(each.path)},
+                            {"text", each.text}});
+    const Json answer{{"store", file},
+                      {"sound", report.isSound()},
+                      {"records", report.recordCount},
+                      {"findings", std::move(findings)}};
+    return answer.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
+}
+
+}  // namespace qvt

@@ -1,0 +1,56 @@
+#include "Tree.h"
+
+#include <algorithm>
+#include <utility>
+#include <vector>
+
+namespace qvt {
+
+Failure nothingIn(const std::string& name) { return {kNo, name + ": error: nothing was read"}; }
+
+Tree::Tree(IDataStore& store, std::string name)
+    : name_(std::move(name)),
+      view_(store),
+      root_(view_.open()),
+      prefix_(hasRoot() ? nameOf(root_).size() + 1 : 0) {}
+
+std::string Tree::rootName() const { return nameOf(root_); }
+
+Object Tree::find(const std::string& path) const {
+    if (path.empty() && !hasRoot()) {
+        Children children(root_);
+        return children.isAtEnd() ? Object() : children.take();
+    }
+    if (path.empty()) return root_;
+    Object found(root_.container->findProperty(wide(path)));
+    if (!found) found = Object(root_.container->find(wide(path)));
+    // A path that goes on below a value is answered with the value.
+    return found && pathOf(found) == path ? found : Object();
+}
+
+Object Tree::get(const std::string& path) const {
+    Object found = find(path);
+    if (found) return found;
+    if (path.empty()) throw nothingIn(name_);
+    const std::string prefix = longestPrefix(path);
+    throw Failure(kMissing, name_ + ": error: nothing at " + path +
+                                (prefix.empty() ? std::string() : ", though there is " + prefix));
+}
+
+// What leads somewhere does so in all its beginnings, so half of them can be left out each time.
+std::string Tree::longestPrefix(const std::string& path) const {
+    std::vector<std::size_t> ends;
+    for (std::size_t at = path.find('.'); at != std::string::npos; at = path.find('.', at + 1))
+        ends.push_back(at);
+    const auto leads = [&](std::size_t end) { return static_cast<bool>(find(path.substr(0, end))); };
+    const auto found = std::partition_point(ends.begin(), ends.end(), leads);
+    return found == ends.begin() ? std::string() : path.substr(0, *(found - 1));
+}
+
+std::string Tree::pathOf(const Object& object) const {
+    return isRoot(object) ? std::string() : qvt::pathOf(object).substr(prefix_);
+}
+
+void Tree::refresh() { root_.container = root_.container->find(WideString()); }
+
+}  // namespace qvt

@@ -1,0 +1,36 @@
+// qvt repair IN OUT
+#include "FileStores.h"
+#include "Findings.h"
+#include "Output.h"
+#include "Verbs.h"
+
+namespace qvt {
+
+namespace {
+
+int repair(const Options& options) {
+    mustBeFileStore(options.store, "repair");
+    mustBeFileStore(options.target, "repair");
+    data::integrity::RepairOptions how;
+    how.salvage = options.salvage;
+    how.recovered = options.recovered;
+    const data::integrity::Report report = data::integrity::repair(options.store, options.target, how);
+    Output output(options);
+    if (options.format == Format::json)
+        output.put(findingsAsJson(report, options.store));
+    else if (!options.quiet)
+        output.put(findingsAsText(report, options.store));
+    output.finish();
+    return kDone;
+}
+
+}  // namespace
+
+const Verb kRepair{
+    "repair", "make a sound store of a damaged one",
+    "Writes to OUT, which must not be there yet, all of IN that is sound, and lists what is different. IN\n"
+    "stays as it is. --salvage looks for records in every page of a file whose own order is broken.\n"
+    "--recover puts objects that nothing leads to any more below a group of that name.",
+    Verb::kRepairOptions | Verb::kJson | Verb::kAnswers, repair};
+
+}  // namespace qvt

@@ -28,9 +28,7 @@ Tree::Tree(IDataStore& store, const Survey& survey, TreeOptions options, Finding
     assignLists();
     if (options_.adopts) findAdoptable();
     growFromRoot();
-    claimSatellites(kReachable);
     growOrphans();
-    claimSatellites(kOrphan);
     noteUnclaimed();
 }
 
@@ -46,6 +44,10 @@ std::vector<Tree::Edge> Tree::edges() const {
 
 // Reads each list once, from the list's side: two sets may name one list.
 void Tree::assignLists() {
+    survey_.forEachOffset([&](std::uint32_t table) {
+        const std::uint32_t list = survey_.defaultsOf(table);
+        if (survey_.isList(list)) isDefaults_.set(list, 1);
+    });
     survey_.forEachOffset([&](std::uint32_t list) {
         if (!survey_.isList(list)) return;
         for (const std::uint32_t child : valuesOf(store_, list, findings_)) {
@@ -87,7 +89,7 @@ void Tree::growFromRoot() {
     }
     grow(kRootOffset);
     settleDeferred();
-    reportSurplus();
+    finishPhase();
 }
 
 // Heads first, so that as much as possible stays together; what is left then stands below itself.
@@ -115,7 +117,7 @@ void Tree::growOrphans() {
         growHead(offset);
         settleDeferred();
     });
-    reportSurplus();
+    finishPhase();
     for (Head& head : heads_)
         findings_.note(code::kUnreachable, head.offset,
                        "Nothing leads to this " + kindName(survey_.kindOf(head.offset)) + ", with " +
@@ -166,6 +168,7 @@ void Tree::climb() {
 
 void Tree::see(std::uint32_t offset) {
     phases_.set(offset, phase_);
+    unclaimed_.push_back(offset);
     ++seen_;
 }
 
@@ -182,6 +185,8 @@ void Tree::enter(std::uint32_t set) {
         return;
     } else if (isListOfOther(set) && phases_.get(listClaims_.get(list)) == kUnseen) {
         deferred_.push_back({set, list});
+    } else if (isDefaults_.get(list) && listClaims_.get(list) == IDataStore::BADOFF) {
+        doubtful_.push_back({set, list});
     } else {
         enterList(set, list);
     }
@@ -262,12 +267,26 @@ void Tree::reportSurplus() {
     surplus_.clear();
 }
 
-void Tree::claimSatellites(Phase phase) {
-    survey_.forEachOffset([&](std::uint32_t entity) {
-        if (phases_.get(entity) != phase) return;
+// Lists that a table has for its defaults, and in which nobody finds the parent, are children's last of all.
+void Tree::finishPhase() {
+    claimSatellites();
+    while (!doubtful_.empty()) {
+        const auto [set, list] = doubtful_.front();
+        doubtful_.pop_front();
+        enterList(set, list);
+        climb();
+        settleDeferred();
+        claimSatellites();
+    }
+    reportSurplus();
+}
+
+void Tree::claimSatellites() {
+    for (; !unclaimed_.empty(); unclaimed_.pop_front()) {
+        const std::uint32_t entity = unclaimed_.front();
         claim(entity, survey_.localeOf(entity), 5, code::kLocale, kLocaleLost);
         claim(entity, survey_.defaultsOf(entity), 3, code::kDefaults, kDefaultsLost);
-    });
+    }
 }
 
 void Tree::claim(std::uint32_t entity, std::uint32_t target, std::uint8_t kind, const char* code,

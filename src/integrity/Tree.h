@@ -86,7 +86,8 @@ class Tree {
     bool isListOfOther(std::uint32_t set) const;
     void reportSurplus();
 
-    void claimSatellites(Phase phase);
+    void finishPhase();
+    void claimSatellites();
     void claim(std::uint32_t entity, std::uint32_t target, std::uint8_t kind, const char* code,
                std::uint8_t mark);
     void noteUnclaimed();
@@ -102,13 +103,16 @@ class Tree {
 
     OffsetMap<std::uint8_t> phases_{kUnseen};
     OffsetMap<std::uint8_t> marks_{0};
-    OffsetMap<std::uint8_t> isClaimed_{0};  // whether an entity stands in the list of its parent
+    OffsetMap<std::uint8_t> isClaimed_{0};   // whether an entity stands in the list of its parent
+    OffsetMap<std::uint8_t> isDefaults_{0};  // whether a table has a list for its defaults
     OffsetMap<std::uint32_t> owners_;
     OffsetMap<std::uint32_t> listClaims_;  // which set a list record is meant for
     std::vector<Edge> adoptable_;          // by parent
     std::vector<Edge> adopted_;
-    std::vector<Edge> surplus_;  // listings of entities that belong to another
-    std::deque<Edge> deferred_;  // to be followed if nobody with a better claim comes
+    std::vector<Edge> surplus_;            // listings of entities that belong to another
+    std::deque<Edge> deferred_;            // to be followed if nobody with a better claim comes
+    std::deque<Edge> doubtful_;            // lists of children that look like defaults
+    std::deque<std::uint32_t> unclaimed_;  // seen, their satellites not yet looked at
     std::vector<Frame> frames_;
     std::vector<Head> heads_;
     std::uint64_t seen_ = 0;

@@ -185,7 +185,7 @@ TEST_F(TreeFindings, NoteASecondRootWithWhatIsBelowIt) {
 
 TEST_F(TreeFindings, NoteReferencesOfWhatNothingLeadsTo) {
     add(with(groupRecord(kRoot, kOfG, u"copy"), 9, u32(kNames)));
-    EXPECT_THAT(checked(store), ElementsAre("note shared 8", "note unreachable 8", "note shared 8"));
+    EXPECT_THAT(checked(store), ElementsAre("note shared 8", "note shared 8", "note unreachable 8"));
 }
 
 TEST_F(TreeFindings, GoOnWhereSeveralThingsAreWrong) {

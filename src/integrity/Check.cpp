@@ -30,8 +30,11 @@ void checkRoot(const Survey& survey, Findings& findings) {
 }
 
 void checkVersion(IDataStore& store, const Survey& survey, Findings& findings) {
-    if (survey.recordCount() != 0 && store.version() == 0)
-        findings.note(code::kVersion, IDataStore::BADOFF, "The store has no version number.");
+    if (survey.recordCount() == 0) return;
+    tryReading(IDataStore::BADOFF, findings, [&] {
+        if (store.version() == 0)
+            findings.note(code::kVersion, IDataStore::BADOFF, "The store has no version number.");
+    });
 }
 
 // Equal names have equal hashes, and with their list they stand side by side.

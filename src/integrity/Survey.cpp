@@ -15,22 +15,6 @@ namespace {
 
 constexpr std::uint64_t kMostOffsets = std::uint64_t{1} << 32;
 
-// Runs `act`. What a store throws becomes a finding, save for want of memory.
-template <class Act>
-bool reads(std::uint32_t offset, Findings& findings, Act act) {
-    try {
-        act();
-        return true;
-    } catch (const std::bad_alloc&) {
-        throw;
-    } catch (const std::exception& failure) {
-        findings.error(code::kUnreadable, offset, std::string("It cannot be read: ") + failure.what());
-    } catch (...) {
-        findings.error(code::kUnreadable, offset, "It cannot be read.");
-    }
-    return false;
-}
-
 }  // namespace
 
 Survey::Survey(IDataStore& store, Findings& findings)
@@ -42,7 +26,7 @@ Survey::Survey(IDataStore& store, Findings& findings)
       defaults_(IDataStore::BADOFF) {
     forEachOffset([&](std::uint32_t offset) {
         if (offset == IDataStore::BADOFF) return;
-        if (reads(offset, findings, [&] { look(store, offset, findings); })) return;
+        if (tryReading(offset, findings, [&] { look(store, offset, findings); })) return;
         ++recordCount_;
         kinds_.set(offset, kUnsoundKind);
         unsound_.push_back(offset);
@@ -80,7 +64,7 @@ void Survey::note(std::uint32_t offset, const View& record) {
 
 std::vector<std::uint32_t> valuesOf(IDataStore& store, std::uint32_t list, Findings& findings) {
     std::vector<std::uint32_t> values;
-    reads(list, findings, [&] {
+    tryReading(list, findings, [&] {
         const Snapshot record(&store, list);
         if (!record->isWhole(Kind::offsets)) return;
         values.resize(record->valueCount());

@@ -3,6 +3,9 @@
 #pragma once
 
 #include <cstdint>
+#include <exception>
+#include <new>
+#include <string>
 #include <vector>
 
 #include "integrity/Findings.h"
@@ -57,6 +60,22 @@ class Survey {
     OffsetMap<std::uint32_t> parents_, locales_, lists_, defaults_;
     OffsetMap<std::uint64_t> nameHashes_{0};
 };
+
+// Runs `act`, which reads of the store. What it throws becomes a finding and false, save for want of memory.
+template <class Act>
+bool tryReading(std::uint32_t offset, Findings& findings, Act act) {
+    try {
+        act();
+        return true;
+    } catch (const std::bad_alloc&) {
+        throw;
+    } catch (const std::exception& failure) {
+        findings.error(code::kUnreadable, offset, std::string("It cannot be read: ") + failure.what());
+    } catch (...) {
+        findings.error(code::kUnreadable, offset, "It cannot be read.");
+    }
+    return false;
+}
 
 // The values of a list record. Empty, with a finding, when the store does not give it.
 std::vector<std::uint32_t> valuesOf(IDataStore& store, std::uint32_t list, Findings& findings);

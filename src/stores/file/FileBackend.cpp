@@ -6,14 +6,12 @@
 #include <exception>
 #include <new>
 #include <optional>
-#include <random>
 #include <utility>
 
-#include "stores/file/Connection.h"
 #include "stores/file/LiveMap.h"
 #include "stores/file/Log.h"
 #include "stores/file/NewFile.h"
-#include "stores/file/OpenFile.h"
+#include "stores/file/Session.h"
 
 namespace norvane::platform::core::storage::datastore {
 namespace {
@@ -21,84 +19,55 @@ namespace {
 using Code = StoreError::Code;
 using Options = FileDataStore::Options;
 
-std::int64_t newToken() {
-    std::random_device device;
-    return static_cast<std::int64_t>(std::uint64_t{device()} << 32 | device());
-}
-
 // What both kinds of opening have in common.
 class OpenBackend : public FileBackend {
   public:
-    OpenBackend(const std::string& path, OpenFile::Purpose purpose) {
-        file_.emplace(path, purpose);
-        checkIdentity(*file_);
-    }
+    OpenBackend(const std::string& path, OpenFile::Purpose purpose) { session_.emplace(path, purpose); }
 
     const StoreMeta& meta() const override { return base_.meta; }
-
-    bool load(std::uint32_t offset, LoadTarget& target) override {
-        prepareToRead();
-        try {
-            const bool isThere = connection_->load(offset, target);
-            const bool isLive = offset < base_.meta.next && live_.isLive(*connection_, offset);
-            if (isThere != isLive) failDamaged(path(), contradiction(isThere), offset);
-            return isThere;
-        } catch (const StoreError& error) {
-            if (error.code() != Code::damaged || error.offset() == offset) throw;
-            throw StoreError(error.code(), error.what(), offset);
-        }
-    }
-
-    FileDataStore::LogStatus logStatus() const override {
-        requireOpen();
-        std::vector<pid_t> readers = readersOf(path());
-        // This connection's own reading is over before it would keep the log from being emptied.
-        if (!file_->isSharedHere()) std::erase(readers, ::getpid());
-        return {logSizeOf(path()), std::move(readers)};
-    }
+    bool load(std::uint32_t offset, LoadTarget& target) override;
+    FileDataStore::LogStatus logStatus() const override;
 
   protected:
     // Makes the connection one that reads the revision of `base_`.
     virtual void prepareToRead() = 0;
 
-    // Leaves the log as it is: what stands in it goes into the file when somebody writes, not when somebody
-    // has read. An empty one goes with the connection.
-    void disconnect() noexcept {
-        if (!connection_) return;
-        connection_->endReading();
-        if (!isLogEmpty() || !file_->isStillThere()) connection_->database().keepLog();
-        connection_.reset();
-    }
-
-    const std::string& path() const { return file_->path(); }
+    const std::string& path() const { return session_->path(); }
+    Connection& connection() { return session_->connection(); }
     void requireOpen() const {
-        if (!file_) throw StoreError(Code::closed, "the store is closed", IDataStore::BADOFF);
+        if (!session_) throw StoreError(Code::closed, "the store is closed", IDataStore::BADOFF);
     }
 
-    // The file stays known here until SQLite has closed it.
-    std::optional<OpenFile> file_;
-    std::optional<Connection> connection_;
+    std::optional<Session> session_;
     LiveMap live_;
     MetaRow base_;
-
-  private:
-    bool isLogEmpty() const noexcept {
-        try {
-            return logSizeOf(path()) == 0;
-        } catch (const std::bad_alloc&) {
-            return false;
-        }
-    }
-
-    static const char* contradiction(bool isThere) {
-        return isThere ? "a record that the directory does not know" : "a record is missing";
-    }
 };
+
+bool OpenBackend::load(std::uint32_t offset, LoadTarget& target) {
+    prepareToRead();
+    try {
+        const bool isThere = connection().load(offset, target);
+        const bool isLive = offset < base_.meta.next && live_.isLive(connection(), offset);
+        if (isThere && !isLive) failDamaged(path(), "a record that the directory does not know", offset);
+        if (isLive && !isThere) failDamaged(path(), "a record is missing", offset);
+        return isThere;
+    } catch (const StoreError& error) {
+        if (error.code() != Code::damaged || error.offset() == offset) throw;
+        throw StoreError(error.code(), error.what(), offset);
+    }
+}
+
+FileDataStore::LogStatus OpenBackend::logStatus() const {
+    requireOpen();
+    std::vector<pid_t> readers = readersOf(path());
+    // This connection's own reading is over before it would keep the log from being emptied.
+    if (!session_->file().isSharedHere()) std::erase(readers, ::getpid());
+    return {logSizeOf(path()), std::move(readers)};
+}
 
 class Reader final : public OpenBackend {
   public:
     explicit Reader(const std::string& path) : OpenBackend(path, OpenFile::Purpose::read) { connect(); }
-    ~Reader() override { Reader::close(); }
 
     void commit(std::span<const Change>, const StoreMeta&) override { refuse(); }
     void compact() override { refuse(); }
@@ -106,21 +75,17 @@ class Reader final : public OpenBackend {
     bool refresh() override {
         requireOpen();
         const MetaRow before = base_;
-        disconnect();
+        session_->disconnect();
         connect();
         return base_ != before;
     }
 
-    void close() override {
-        if (!file_) return;
-        disconnect();
-        file_.reset();
-    }
+    void close() override { session_.reset(); }
 
   protected:
     void prepareToRead() override {
         requireOpen();
-        if (!connection_) connect();
+        if (!session_->isConnected()) connect();
     }
 
   private:
@@ -131,21 +96,11 @@ class Reader final : public OpenBackend {
 
     void connect() {
         live_.clear();
+        session_->connectToRead();
         try {
-            connect(Database::Mode::read);
-        } catch (const StoreError& error) {
-            // In a folder that cannot be written there is no place for the files that connections share.
-            if (error.code() != Code::notReadable || logSizeOf(path()) != 0) throw;
-            connect(Database::Mode::readUnlocked);
-        }
-    }
-
-    void connect(Database::Mode mode) {
-        try {
-            connection_.emplace(path(), mode);
-            base_ = connection_->beginReading();
+            base_ = connection().beginReading();
         } catch (...) {
-            disconnect();
+            session_->disconnect();
             throw;
         }
     }
@@ -157,7 +112,9 @@ class Writer final : public OpenBackend {
         : OpenBackend(path, OpenFile::Purpose::write),
           partSize_(options.partSize),
           logLimit_(options.walLimit) {
-        connect();
+        session_->connectToWrite();
+        base_ = connection().beginReading();
+        connection().endReading();
     }
     ~Writer() override { Writer::close(); }
 
@@ -170,7 +127,6 @@ class Writer final : public OpenBackend {
     void prepareToRead() override;
 
   private:
-    void connect();
     void repairConnection();
     void adopt(const MetaRow& found);
     void beginCommit();
@@ -181,31 +137,20 @@ class Writer final : public OpenBackend {
 
     const std::uint32_t partSize_;
     const std::uint64_t logLimit_;
-    std::uint64_t trimAbove_ = 0;  // what the log may grow to before it is tried again to empty it
-    LogEnd logEnd_;                // before the last attempt to write
-    MetaRow attempt_;              // what the last commit would have made of `base_`
-    bool isDoubtful_ = false;      // a write has failed on this connection
+    std::uint64_t trimAbove_ = 0;   // what the log may grow to before it is tried again to empty it
+    std::optional<LogEnd> logEnd_;  // before the attempt to write that is under way or has failed
+    MetaRow attempt_;               // what the last commit would have made of `base_`
+    bool isDoubtful_ = false;       // a write has failed on this connection
 };
-
-void Writer::connect() {
-    try {
-        connection_.emplace(path(), Database::Mode::write);
-        base_ = connection_->beginReading();
-        connection_->endReading();
-    } catch (...) {
-        disconnect();
-        throw;
-    }
-}
 
 void Writer::prepareToRead() {
     requireOpen();
     repairConnection();
-    if (connection_->isReading()) return;
+    if (connection().isReading()) return;
     try {
-        adopt(connection_->beginReading());
+        adopt(connection().beginReading());
     } catch (...) {
-        connection_->endReading();
+        connection().endReading();
         throw;
     }
 }
@@ -215,15 +160,15 @@ void Writer::prepareToRead() {
 // first.
 void Writer::repairConnection() {
     if (!isDoubtful_) return;
-    if (connection_) {
-        connection_->rollBack();
-        if (!logEnd_.cutBack(connection_->database()))
+    if (session_->isConnected()) {
+        connection().rollBack();
+        if (logEnd_ && !logEnd_->cutBack(connection().database()))
             fail(Code::notWritable, path(), "what a failed commit has left cannot be taken back");
-        connection_->database().keepLog();
-        connection_.reset();
+        session_->abandon();
     }
     live_.clear();
-    connection_.emplace(path(), Database::Mode::write);
+    logEnd_.reset();
+    session_->connectToWrite();
     isDoubtful_ = false;
 }
 
@@ -247,6 +192,7 @@ void Writer::commit(std::span<const Change> changes, const StoreMeta& meta) {
         giveUpConnection();
         throw;
     }
+    logEnd_.reset();
     base_ = attempt_;
     live_.keep();
     try {
@@ -257,35 +203,35 @@ void Writer::commit(std::span<const Change> changes, const StoreMeta& meta) {
 }
 
 void Writer::beginCommit() {
-    connection_->endReading();
-    connection_->beginWriting();
+    connection().endReading();
+    connection().beginWriting();
     try {
-        adopt(connection_->meta());
-        logEnd_ = LogEnd::of(connection_->database());
+        adopt(connection().meta());
+        logEnd_ = LogEnd::of(connection().database());
         requireFile();
     } catch (...) {
-        connection_->rollBack();
+        connection().rollBack();
         throw;
     }
 }
 
 void Writer::apply(std::span<const Change> changes, const StoreMeta& meta) {
     const std::uint64_t blocks = blockCount(base_.meta.next);
-    const bool anyParts = connection_->anyParts();
+    const bool anyParts = connection().anyParts();
     live_.drop();
     for (const Change& change : changes) {
-        if (anyParts) connection_->eraseParts(change.offset);
+        if (anyParts) connection().eraseParts(change.offset);
         if (change.isRemoved)
-            connection_->erase(change.offset, false);
+            connection().erase(change.offset, false);
         else
-            connection_->put(change.offset, {change.bytes, change.size}, partSize_);
-        live_.set(*connection_, change.offset, !change.isRemoved, blocks);
+            connection().put(change.offset, {change.bytes, change.size}, partSize_);
+        live_.set(connection(), change.offset, !change.isRemoved, blocks);
     }
-    live_.write(*connection_, blocks, blockCount(meta.next));
+    live_.write(connection(), blocks, blockCount(meta.next));
     attempt_ = {meta, newToken()};
     attempt_.meta.revision = base_.meta.revision + 1;
-    connection_->putMeta(attempt_);
-    connection_->commit();
+    connection().putMeta(attempt_);
+    connection().commit();
 }
 
 void Writer::giveUpConnection() noexcept {
@@ -300,8 +246,8 @@ void Writer::giveUpConnection() noexcept {
 
 // A file that was removed could be written none the less, and nobody would find it.
 void Writer::requireFile() {
-    if (!file_->isStillThere()) fail(Code::notWritable, path(), "the file was removed or replaced");
-    if (connection_->isReading() && !isLogStillThere(connection_->database()))
+    if (!session_->file().isStillThere()) fail(Code::notWritable, path(), "the file was removed or replaced");
+    if (connection().isReading() && !isLogStillThere(connection().database()))
         fail(Code::notWritable, path(), "the log of the file was removed or replaced");
 }
 
@@ -309,7 +255,7 @@ void Writer::requireFile() {
 void Writer::trimLog() {
     const std::uint64_t size = logSizeOf(path());
     if (size <= std::max(logLimit_, trimAbove_)) return;
-    const int answer = emptyLog(connection_->database());
+    const int answer = emptyLog(connection().database());
     trimAbove_ = answer == SQLITE_OK ? 0 : size + logLimit_ / 4;
     if (answer == SQLITE_OK || answer == SQLITE_BUSY) return;
     giveUpConnection();
@@ -324,32 +270,29 @@ void Writer::compact() {
     requireOpen();
     repairConnection();
     beginCommit();
-    connection_->rollBack();
+    connection().rollBack();
     try {
-        connection_->database().run("PRAGMA temp_store=FILE", Doing::writing);
-        connection_->database().run("VACUUM", Doing::writing);
-        connection_->database().run("PRAGMA temp_store=MEMORY", Doing::writing);
+        connection().database().run("PRAGMA temp_store=FILE", Doing::writing);
+        connection().database().run("VACUUM", Doing::writing);
+        connection().database().run("PRAGMA temp_store=MEMORY", Doing::writing);
     } catch (...) {
         giveUpConnection();
         throw;
     }
+    logEnd_.reset();
     trimAbove_ = 0;
-    const int answer = emptyLog(connection_->database());
+    const int answer = emptyLog(connection().database());
     if (answer != SQLITE_OK && answer != SQLITE_BUSY) giveUpConnection();
 }
 
 void Writer::close() {
-    if (!file_) return;
+    if (!session_) return;
     if (isDoubtful_) giveUpConnection();
-    if (connection_) {
-        connection_->endReading();
-        if (isDoubtful_ || !file_->isStillThere())
-            connection_->database().keepLog();
-        else
-            emptyLog(connection_->database());
-    }
-    connection_.reset();
-    file_.reset();
+    if (isDoubtful_)
+        session_->abandon();
+    else
+        session_->finish();
+    session_.reset();
 }
 
 void makeFile(const std::string& path) {

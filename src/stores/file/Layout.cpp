@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <random>
 
 #include "stores/file/Failure.h"
 #include "stores/file/OpenFile.h"
@@ -14,8 +15,10 @@ namespace {
 using Code = StoreError::Code;
 
 constexpr char kMagic[] = "SQLite format 3";  // with the NUL at its end
+constexpr std::size_t kPageSizeAt = 16;
 constexpr std::size_t kWriteFormatAt = 18;
 constexpr std::size_t kReadFormatAt = 19;
+constexpr std::size_t kReservedAt = 20;
 constexpr std::size_t kUserVersionAt = 60;
 constexpr std::size_t kApplicationIdAt = 68;
 constexpr std::byte kWithLog{2};
@@ -50,6 +53,11 @@ std::uint32_t numberAt(const FileHeader& header, std::size_t position) {
 }
 
 }  // namespace
+
+std::int64_t newToken() {
+    std::random_device device;
+    return static_cast<std::int64_t>(std::uint64_t{device()} << 32 | device());
+}
 
 std::uint32_t partSizeFor(std::uint32_t recordSize, std::uint32_t wanted) {
     const std::uint64_t least = (recordSize + kMostParts - 1) / kMostParts;
@@ -95,6 +103,8 @@ void checkIdentity(const OpenFile& file) {
              "layout " + std::to_string(version) + ", newer than this library's " +
                  std::to_string(kLayoutVersion));
     if (version == 0) failDamaged(file.path(), "layout 0, which never was", IDataStore::BADOFF);
+    if (numberAt(header, kPageSizeAt) >> 16 != kPageSize || header[kReservedAt] != std::byte{0})
+        failDamaged(file.path(), "pages of another size than a store has", IDataStore::BADOFF);
     // Read as a file without a log, it would be an old revision.
     if (header[kWriteFormatAt] != kWithLog || header[kReadFormatAt] != kWithLog)
         failDamaged(file.path(), "does not say that it has a log", IDataStore::BADOFF);

@@ -37,6 +37,7 @@ struct MetaRow {
 
     friend bool operator==(const MetaRow&, const MetaRow&) = default;
 };
+std::int64_t newToken();
 inline constexpr std::int64_t kMetaId = 1;
 inline constexpr std::uint64_t kEndOfOffsets = 0xFFFFFFFFu;
 
@@ -74,7 +75,8 @@ Checksum checksumOf(const MetaRow& row);
 // True if the numbers can belong together.
 bool isPlausible(const StoreMeta& meta);
 
-// The fixed fields of the first page.
+// All of a page is SQLite's to use. Since the size is fixed, pages are found in a file without a head.
+inline constexpr std::uint32_t kPageSize = 4096;
 inline constexpr std::size_t kFileHeaderSize = 100;
 // Throws notAStore, newerVersion or damaged if the file is not one that can be opened.
 void checkIdentity(const OpenFile& file);

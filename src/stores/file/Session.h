@@ -1,0 +1,44 @@
+// A store file as it is open: known in this process, and connected or not.
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "stores/file/Connection.h"
+#include "stores/file/OpenFile.h"
+
+namespace norvane::platform::core::storage::datastore {
+
+class Session {
+  public:
+    // Opens the file and looks at what it is, without SQLite. Throws as `OpenFile` and `checkIdentity` do.
+    Session(const std::string& path, OpenFile::Purpose purpose);
+    Session(const Session&) = delete;
+    Session& operator=(const Session&) = delete;
+    ~Session() { disconnect(); }
+
+    const std::string& path() const { return file_.path(); }
+    const OpenFile& file() const { return file_; }
+
+    bool isConnected() const { return connection_.has_value(); }
+    Connection& connection() { return *connection_; }
+    void connectToRead();
+    void connectToWrite() { connection_.emplace(path(), Database::Mode::write); }
+
+    // Leaves a log as it is: what stands in it goes into the file when somebody writes, not when somebody has
+    // read. An empty one goes with the connection.
+    void disconnect() noexcept;
+    // The same, and the log stays in any case.
+    void abandon() noexcept;
+    // Writes the log back if nobody needs it.
+    void finish() noexcept;
+
+  private:
+    bool isLogEmpty() const noexcept;
+
+    // The file stays known here until SQLite has closed it.
+    OpenFile file_;
+    std::optional<Connection> connection_;
+};
+
+}  // namespace norvane::platform::core::storage::datastore

@@ -295,10 +295,15 @@ void Overlay::keepForPatch(std::uint32_t offset, Slot& slot, std::uint32_t posit
         undo_.add({UndoEntry::Kind::patched, slot.isDirty, offset, position, kept});
 }
 
-// Nothing of this is ever committed, so it is no change of the record.
+// Nothing of this is ever committed, so it is no change of the record. A count does not fall below 0: what is
+// closed then is a handle from before a rollback, which is not counted any more.
 void Overlay::putOpenCount(Slot& slot, const void* bytes, std::uint32_t position,
                            std::uint32_t size) noexcept {
+    const std::uint32_t before = wordAt(slot.block, kCountBegin);
+    if (slot.countedIn != transaction_) slot.countBefore = before;
+    slot.countedIn = transaction_;
     copyBytes(slot.block.bytes + position, bytes, size);
+    if (before == 0 && wordAt(slot.block, kCountBegin) == 0xFFFFFFFFu) setOpenCount(slot.block, 0);
     ++epoch_;
     if (slot.isGhost && !isOpen(slot.block)) dropGhost(slot);
 }

@@ -132,6 +132,7 @@ class Overlay {
     void fetchCommitted(std::vector<Fetched>& restored);
     void restore(Fetched& restored) noexcept;
     void forgetChanges() noexcept;
+    void forgetOpened() noexcept;
 
     // Memory.
     void evictIfFull() noexcept;
@@ -165,6 +166,7 @@ class Overlay {
 
     core::thread::RecursiveMutex mutex_;
     std::uint64_t scope_ = 0;
+    std::uint32_t transaction_ = 1;  // the number of the one under way, declared or not
     std::exception_ptr failure_;
     bool failedInScope_ = false;
     bool inTransaction_ = false;

@@ -203,12 +203,14 @@ void Overlay::becomeCommitted(const StoreMeta& meta) noexcept {
     listed_.clear();
     undo_.clear();
     ++scope_;
-    evictAbove_ = options_.memoryLimit;  // what had to stay may go now
+    ++transaction_;
     committed_ = meta;
     version_ = meta.version;
     next_ = meta.next;
     recordCount_ = meta.recordCount;
     lastCommit_ = std::chrono::steady_clock::now();
+    evictAbove_ = options_.memoryLimit;  // what had to stay may go now
+    evictIfFull();
 }
 
 void Overlay::rollback() {
@@ -225,6 +227,7 @@ void Overlay::rollback() {
     keepSatellites(false);
     for (Fetched& each : restored) restore(each);
     forgetChanges();
+    forgetOpened();
 }
 
 // Entities that are open are read again at once, with what belongs to them: their destruction must not meet a
@@ -270,11 +273,11 @@ void Overlay::forgetChanges() noexcept {
         slot.isListed = false;
         if (!slot.isStored && slot.presence == Presence::absent) slot.isUndone = true;
         if (!slot.isDirty) continue;
+        clearDirty(slot);
         if (!slot.isStored) {
-            takeBack(slot);
+            dropGhost(slot);
             continue;
         }
-        clearDirty(slot);
         if (slot.presence == Presence::present) dropBytes(slot);
         slot.presence = Presence::unknown;
     }
@@ -290,11 +293,27 @@ void Overlay::forgetChanges() noexcept {
     lowerEnd();
 }
 
+// Whoever has made handles since the transaction began is to drop them, and may have lost them: a reader of
+// documents that meets an exception leaves its objects open. Those from before are still counted.
+void Overlay::forgetOpened() noexcept {
+    for (const std::uint32_t offset : ring_) {
+        Slot& slot = *slots_.find(offset);
+        if (slot.presence != Presence::present) continue;
+        if (slot.isGhost)
+            dropGhost(slot);
+        else if (slot.countedIn == transaction_ && isOpen(slot.block))
+            setOpenCount(slot.block, std::min(slot.countBefore, wordAt(slot.block, kCountBegin)));
+    }
+    ++transaction_;
+    lowerEnd();
+}
+
 void Overlay::beginTransaction() {
     const std::lock_guard lock(mutex_);
     if (isClosed_) fail(StoreError::Code::closed, "the store is closed");
     if (inTransaction_) fail(StoreError::Code::wrongState, "there is a transaction already");
     inTransaction_ = true;
+    ++transaction_;
 }
 
 void Overlay::close() {

@@ -23,6 +23,9 @@ struct Slot {
     std::uint64_t scope = 0;
     // When its bytes were last given out to be looked at in place.
     std::uint32_t viewed = 0;
+    // The open count as it was when the transaction of that number began.
+    std::uint32_t countBefore = 0;
+    std::uint32_t countedIn = 0;
     Presence presence = Presence::unknown;
     bool isStored : 1 = false;  // the backend has a record here
     bool isDirty : 1 = false;   // and another one than this, or none

@@ -214,6 +214,7 @@ TEST_F(OverlayCommitTest, RollbackOfTheFirstModelLeavesAnEmptyStore) {
 
 TEST_F(OverlayCommitTest, RollbackKeepsOpenCountsAndReadsOpenEntitiesAtOnce) {
     append(entity(0));
+    write(0, entity(2), false);
     overlay.commit();
     write(0, entity(2, "changed while open"));
 
@@ -223,6 +224,59 @@ TEST_F(OverlayCommitTest, RollbackKeepsOpenCountsAndReadsOpenEntitiesAtOnce) {
     EXPECT_EQ(bytes(0), entity(2));
     write(0, entity(1), false);
     EXPECT_EQ(bytes(0), entity(1));
+}
+
+TEST_F(OverlayCommitTest, RollbackForgetsHandlesMadeSinceTheCommit) {
+    append(entity(0));
+    append(entity(0));
+    write(0, entity(1), false);
+    overlay.commit();
+    write(0, entity(3), false);
+    write(1, entity(1), false);
+    overlay.rollback();
+    EXPECT_EQ(bytes(0), entity(1));
+    EXPECT_EQ(bytes(1), entity(0));
+
+    // Dropping one of those does no harm.
+    write(1, entity(0xFFFFFFFFu), false);
+
+    EXPECT_EQ(bytes(1), entity(0));
+}
+
+TEST_F(OverlayCommitTest, RollbackCountsNoHandleThatWasClosed) {
+    append(entity(0));
+    write(0, entity(2), false);
+    overlay.commit();
+    write(0, entity(1), false);
+
+    overlay.rollback();
+
+    EXPECT_EQ(bytes(0), entity(1));
+}
+
+TEST_F(OverlayCommitTest, HandlesFromBeforeATransactionAreStillCountedAfterIt) {
+    append(entity(0));
+    overlay.commit();
+    write(0, entity(1), false);
+    overlay.beginTransaction();
+    write(0, entity(2), false);
+
+    overlay.rollback();
+    overlay.endTransaction();
+
+    EXPECT_EQ(bytes(0), entity(1));
+}
+
+TEST_F(OverlayCommitTest, RollbackTakesNewEntitiesAwayEvenIfTheyAreOpen) {
+    append(entity(0));
+    write(0, entity(1), false);
+    failUnderGuard(store, [&] { write(append(entity(0)), entity(1), false); });
+
+    overlay.rollback();
+
+    EXPECT_EQ(store.size(), 0u);
+    EXPECT_FALSE(overlay.hasChanges());
+    EXPECT_EQ(append("root"), 0u);
 }
 
 TEST_F(OverlayCommitTest, RollbackReadsWhatBelongsToOpenEntities) {
@@ -243,6 +297,7 @@ TEST_F(OverlayCommitTest, RollbackReadsWhatBelongsToOpenEntities) {
 
 TEST_F(OverlayCommitTest, RollbackThatCannotReadChangesNothing) {
     append(entity(0));
+    write(0, entity(1), false);
     overlay.commit();
     write(0, entity(1, "changed"));
     append("new");

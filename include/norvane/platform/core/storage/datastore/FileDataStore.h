@@ -30,11 +30,13 @@ namespace norvane::platform::core::storage::datastore {
 /// a failure also where a reader of documents has passed over it and called `flush`.
 ///
 /// An operation that throws changes nothing: when the outermost guard is released by an exception under way,
-/// what was changed under it is undone, and nothing needs to be rolled back. Handles that were opened on
-/// what is undone here, or by `rollback`, are to be dropped and opened anew.
+/// what was changed under it is undone, and nothing needs to be rolled back. Only what was committed
+/// meanwhile stays. Handles on what is undone here, or by `rollback`, are to be dropped and opened anew.
 ///
 /// Open counts never reach the file. How often an entity is open (bytes 5 to 8 of a record that begins with
-/// 0, 1, 2 or 4) is kept in memory, where it survives undo and rollback; in the file these bytes are 0.
+/// 0, 1, 2 or 4) is kept in memory; in the file these bytes are 0. An undo leaves them as they are, and an
+/// entity that was made and is undone stays in sight until it is closed. A rollback forgets the handles made
+/// since the last commit, or since the `Transaction` began: they can still be dropped, but are not counted.
 ///
 /// One writer, many readers. A store opened for writing keeps all other writers out, in this process and in
 /// others, until it is closed; a killed process keeps nobody out. A store opened for reading goes on seeing

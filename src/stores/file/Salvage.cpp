@@ -101,7 +101,7 @@ bool Salvage::takeRow(const RawRow& row, const Place& place) {
     }
     if (!row.looksLikeRecord()) return false;
     const auto id = static_cast<std::uint32_t>(row.id);
-    if (row.overflow == 0 && !row.hasParts()) {
+    if (row.local.size() == row.size && !row.hasParts()) {
         const std::span<const std::byte> bytes =
             row.local.subspan(row.columns[2].position, row.columns[2].size);
         const bool mayBeLive = bytes.empty() || bytes.size() == kBlockBytes;

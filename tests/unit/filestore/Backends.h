@@ -16,6 +16,7 @@
 #include <vector>
 
 #include "norvane/platform/core/storage/datastore/FileDataStore.h"
+#include "norvane/platform/core/storage/datastore/StoreFile.h"
 #include "stores/file/FileBackend.h"
 
 namespace norvane::platform::core::storage::datastore {

@@ -31,7 +31,7 @@ struct Report {
     std::vector<Finding> findings;
     std::uint64_t recordCount = 0;  ///< Records that were looked at.
     /// True if nothing is an error.
-    bool isSound() const;
+    QVT_FILE_API bool isSound() const;
 };
 
 /// Looks at every record of a store, and at how they hang together. It changes nothing, takes the guard for

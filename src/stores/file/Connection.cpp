@@ -27,7 +27,8 @@ Connection::Statements::Statements(Database& database)
           "REPLACE INTO meta(id, version, next, records, revision, token, crc) VALUES(1, ?, ?, ?, ?, ?, ?)",
           Doing::writing),
       record(database, "SELECT crc, data FROM record WHERE id = ?", Doing::reading),
-      putRecord(database, "REPLACE INTO record(id, crc, data) VALUES(?, ?, ?)", Doing::writing),
+      addRecord(database, "INSERT INTO record(id, crc, data) VALUES(?, ?, ?)", Doing::writing),
+      changeRecord(database, "UPDATE record SET crc = ?2, data = ?3 WHERE id = ?1", Doing::writing),
       eraseRecord(database, "DELETE FROM record WHERE id = ?", Doing::writing),
       parts(database, "SELECT id, data FROM part WHERE id BETWEEN ? AND ? ORDER BY id", Doing::reading),
       putPart(database, "INSERT INTO part(id, data) VALUES(?, ?)", Doing::writing),
@@ -164,12 +165,26 @@ void Connection::loadParts(std::uint32_t offset, Checksum wanted, LoadTarget& ta
     if (done != size || checksum.value() != wanted) failDamaged("a record with a wrong checksum", offset);
 }
 
-void Connection::put(std::uint32_t offset, std::span<const std::byte> bytes, std::uint32_t partSize) {
-    Statement& row = statements_->putRecord;
-    row.bind(1, offset).bind(2, checksumOf(offset, bytes));
+void Connection::add(std::uint32_t offset, std::span<const std::byte> bytes, std::uint32_t partSize) {
+    put(statements_->addRecord, offset, bytes, partSize);
+}
+
+void Connection::change(std::uint32_t offset, std::span<const std::byte> bytes, std::uint32_t partSize) {
+    put(statements_->changeRecord, offset, bytes, partSize);
+    requireRow(offset);
+}
+
+void Connection::put(Statement& row, std::uint32_t offset, std::span<const std::byte> bytes,
+                     std::uint32_t partSize) {
     const std::uint32_t each = partSizeFor(static_cast<std::uint32_t>(bytes.size()), partSize);
-    if (bytes.size() <= each) return row.bind(3, bytes).run();
+    const bool isWhole = bytes.size() <= each;
+    row.bind(1, offset).bind(2, checksumOf(offset, bytes));
+    if (isWhole) return row.bind(3, bytes).run();
+    putParts(offset, bytes, each);
     row.bind(3, static_cast<std::int64_t>(bytes.size())).run();
+}
+
+void Connection::putParts(std::uint32_t offset, std::span<const std::byte> bytes, std::uint32_t each) {
     std::int64_t id = firstPart(offset);
     for (std::size_t at = 0; at < bytes.size(); at += each, ++id)
         statements_->putPart.bind(1, id)
@@ -177,9 +192,14 @@ void Connection::put(std::uint32_t offset, std::span<const std::byte> bytes, std
             .run();
 }
 
-void Connection::erase(std::uint32_t offset, bool hasParts) {
+void Connection::erase(std::uint32_t offset) {
     statements_->eraseRecord.bind(1, offset).run();
-    if (hasParts) eraseParts(offset);
+    requireRow(offset);
+}
+
+// A row that damage hides would come to light again beside the new one.
+void Connection::requireRow(std::uint32_t offset) {
+    if (sqlite3_changes(database_.handle()) != 1) failDamaged("a record is missing", offset);
 }
 
 void Connection::eraseParts(std::uint32_t offset) {

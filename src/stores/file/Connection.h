@@ -34,9 +34,12 @@ class Connection {
 
     // False if there is no row for it.
     bool load(std::uint32_t offset, LoadTarget& target);
-    void put(std::uint32_t offset, std::span<const std::byte> bytes, std::uint32_t partSize);
-    // Removes what is there of a record, `hasParts` being false if it surely has none.
-    void erase(std::uint32_t offset, bool hasParts);
+    // Each is for a record that there is not, or is: the caller knows from the directory. Throws `damaged` if
+    // the table says otherwise.
+    void add(std::uint32_t offset, std::span<const std::byte> bytes, std::uint32_t partSize);
+    void change(std::uint32_t offset, std::span<const std::byte> bytes, std::uint32_t partSize);
+    void erase(std::uint32_t offset);
+    // Needed before a record with parts is changed or removed.
     void eraseParts(std::uint32_t offset);
     // False if no record has parts.
     bool anyParts();
@@ -50,6 +53,9 @@ class Connection {
     void checkTables();
     void loadWhole(std::uint32_t offset, Checksum wanted, LoadTarget& target);
     void loadParts(std::uint32_t offset, Checksum wanted, LoadTarget& target);
+    void put(Statement& row, std::uint32_t offset, std::span<const std::byte> bytes, std::uint32_t partSize);
+    void putParts(std::uint32_t offset, std::span<const std::byte> bytes, std::uint32_t each);
+    void requireRow(std::uint32_t offset);
     std::uint32_t sizeOfParts(std::uint32_t offset);
     [[noreturn]] void failDamaged(const char* words, std::uint32_t offset) const;
 
@@ -58,7 +64,7 @@ class Connection {
         explicit Statements(Database& database);
 
         Statement meta, putMeta;
-        Statement record, putRecord, eraseRecord;
+        Statement record, addRecord, changeRecord, eraseRecord;
         Statement parts, putPart, eraseParts, anyParts;
         Statement live, putLive;
         Statement pageCount, pageSize;

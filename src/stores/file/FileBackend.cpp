@@ -220,12 +220,12 @@ void Writer::apply(std::span<const Change> changes, const StoreMeta& meta) {
     const bool anyParts = connection().anyParts();
     live_.drop();
     for (const Change& change : changes) {
-        if (anyParts) connection().eraseParts(change.offset);
-        if (change.isRemoved)
-            connection().erase(change.offset, false);
-        else
-            connection().put(change.offset, {change.bytes, change.size}, partSize_);
-        live_.set(connection(), change.offset, !change.isRemoved, blocks);
+        const std::span<const std::byte> bytes(change.bytes, change.size);
+        const bool wasLive = live_.set(connection(), change.offset, !change.isRemoved, blocks);
+        if (wasLive && anyParts) connection().eraseParts(change.offset);
+        if (!wasLive && !change.isRemoved) connection().add(change.offset, bytes, partSize_);
+        if (wasLive && !change.isRemoved) connection().change(change.offset, bytes, partSize_);
+        if (wasLive && change.isRemoved) connection().erase(change.offset);
     }
     live_.write(connection(), blocks, blockCount(meta.next));
     attempt_ = {meta, newToken()};

@@ -27,13 +27,15 @@ LiveBits& LiveMap::cached(Connection& connection, std::uint32_t block) {
     return *last_;
 }
 
-void LiveMap::set(Connection& connection, std::uint32_t offset, bool isLive, std::uint64_t blocks) {
+bool LiveMap::set(Connection& connection, std::uint32_t offset, bool isLive, std::uint64_t blocks) {
     const std::uint32_t block = offset / kBlockSize;
     auto found = staged_.find(block);
     if (found == staged_.end())
         found = staged_.emplace(block, block < blocks ? cached(connection, block) : LiveBits{}).first;
     std::byte& bits = found->second[placeOf(offset)];
+    const bool wasLive = (bits & maskOf(offset)) != std::byte{0};
     bits = isLive ? bits | maskOf(offset) : bits & ~maskOf(offset);
+    return wasLive;
 }
 
 void LiveMap::write(Connection& connection, std::uint64_t blocksBefore, std::uint64_t blocksAfter) {

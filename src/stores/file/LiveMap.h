@@ -17,7 +17,8 @@ class LiveMap {
     bool isLive(Connection& connection, std::uint32_t offset);
 
     // Changes of a commit under way, which `keep` or `drop` ends. `blocks` is how many there were before.
-    void set(Connection& connection, std::uint32_t offset, bool isLive, std::uint64_t blocks);
+    // Answers what was so until now.
+    bool set(Connection& connection, std::uint32_t offset, bool isLive, std::uint64_t blocks);
     // Writes them, and a row for every block that is new.
     void write(Connection& connection, std::uint64_t blocksBefore, std::uint64_t blocksAfter);
     void keep();

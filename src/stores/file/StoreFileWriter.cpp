@@ -30,7 +30,7 @@ StoreFileWriter::~StoreFileWriter() noexcept = default;
 
 void StoreFileWriter::put(std::uint32_t offset, const void* bytes, std::uint32_t size) {
     const FileDataStore::Options defaults;
-    contents_->file.connection().put(offset, {static_cast<const std::byte*>(bytes), size}, defaults.partSize);
+    contents_->file.connection().add(offset, {static_cast<const std::byte*>(bytes), size}, defaults.partSize);
     contents_->markLive(offset);
 }
 

@@ -4,18 +4,29 @@ import subprocess
 
 from tool import QVT, ToolTest
 
-VERBS = ["export", "tree", "show", "get", "stat", "schema", "units", "conforms", "dump"]
+VERBS = ["import", "export", "tree", "show", "get", "set", "new", "rm", "mv", "cp", "merge", "stat", "schema", "units",
+         "conforms", "check", "repair", "compact", "dump"]
 
 
 class WrongUsage(ToolTest):
     def test_EndsWithStatusTwoAndOneHelpfulLine(self):
         self.document('<root name="r"/>')
         for arguments, words in (
-                ([], "a verb is missing; there are export, tree"),
-                (["nonsense"], "no verb nonsense; there are export, tree"),
+                ([], "a verb is missing; there are import, export"),
+                (["nonsense"], "no verb nonsense; there are import, export"),
                 (["--nonsense"], "no verb --nonsense"),
                 (["tree"], "STORE is required (see qvt tree --help)"),
                 (["get", "model.xml"], "PATH is required (see qvt get --help)"),
+                (["import", "model.xml"], "STORE is required (see qvt import --help)"),
+                (["import"], "DOC is required"),
+                (["set", "model.qvt"], "PATH is required"),
+                (["new", "model.qvt", "a"], "KIND|TYPE is required"),
+                (["rm", "model.qvt"], "PATH is required"),
+                (["mv", "model.qvt", "a"], "NEWPATH is required"),
+                (["cp", "model.qvt", "a"], "NEWPATH is required"),
+                (["merge", "model.qvt", "a"], "SOURCE is required"),
+                (["repair", "model.qvt"], "OUT is required"),
+                (["compact", "model.qvt", "-o", "x"], "-o"),
                 (["conforms", "model.xml", "g"], "CLASS is required"),
                 (["tree", "model.xml", "a", "b"], "the following argument was not expected: b"),
                 (["tree", "model.xml", "--nonsense"], "--nonsense"),
@@ -40,8 +51,8 @@ class Help(ToolTest):
             text = self.done(*arguments).out
             for verb in VERBS:
                 self.assertRegex(text, rf"(?m)^  {verb} ")
-            self.assertIn("Exit status: 0 done", text)
-            self.assertIn("70", text)
+            for status in ("0 done", "1 no", "2 wrong", "3 the input", "4 the", "5 another", "6 an edit", "7 the", "70 a"):
+                self.assertRegex(text, rf"(Exit status: |; |\n){status}\b", status)
 
     def test_IsThereForEachVerb(self):
         for verb in VERBS:

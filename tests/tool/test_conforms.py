@@ -37,7 +37,7 @@ class Conforms(ToolTest):
         for class_text in ("None", "Box;None"):
             result = self.run_tool("conforms", "model.xml", "named", class_text)
             self.assertEqual((result.status, result.out, result.err),
-                             (3, "", "model.xml: error: no class None, nor in the documents of --schemas\n"))
+                             (3, "", "model.xml: error: no class None, nor in the stores of --schemas\n"))
 
     def test_AMissingPathIsNoAnswer(self):
         self.document(MODEL)

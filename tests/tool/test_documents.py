@@ -110,9 +110,10 @@ class Samples(ToolTest):
         counts = self.done("stat", DOCUMENTS / "ifc-small.xml", *SAMPLES["ifc-small.xml"], "-f", "json").json
         self.assertEqual(counts["structTypes"], {"Structs.Axis2Placement3D": 62, "Structs.ColourRgb": 3})
 
-    def test_WithoutTheirLibraryAreWarnedOf(self):
+    def test_WithoutTheirLibraryEndWithStatusOneAndOneMessage(self):
         result = self.run_tool("tree", DOCUMENTS / "ifc-small.xml")
-        self.assertIn("warning: class Entities.IfcProject is not known, nor are ", result.err)
+        self.assertEqual(result.status, 1)
+        self.assertIn("error: class Entities.IfcProject and 183 others are not known", result.err)
 
 
 class Demonstration(unittest.TestCase):

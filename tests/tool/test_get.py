@@ -61,10 +61,10 @@ class Get(ToolTest):
 
     def test_OfAContainerOrTableIsRefused(self):
         self.document('<root name="r"><table name="t"/><group name="g"/></root>')
-        for path, kind in (("t", "table"), ("g", "group")):
+        for path, words in (("t", "t is a table and"), ("g", "g is a group and"), ("", "the root")):
             result = self.run_tool("get", "model.xml", path)
             self.assertEqual((result.status, result.out, result.err),
-                             (3, "", f"model.xml: error: {path} is a {kind} and has no value\n"))
+                             (3, "", f"model.xml: error: {words} has no value\n"))
 
     def test_OfAValueThatLiesElsewhereSaysNo(self):
         self.document('<group name="g"><double name="x" uri="http://x/y"/></group>')

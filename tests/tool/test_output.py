@@ -40,11 +40,11 @@ class Output(ToolTest):
         self.done("export", "model.xml", "-o", "model.xml")
         self.assertIn('<root version="0" name="r"/>', (self.folder / "model.xml").read_text())
 
-    def test_ThatCannotBeWrittenIsAFault(self):
+    def test_ThatCannotBeWrittenHasItsOwnStatus(self):
         self.document('<root name="r"/>')
         result = self.run_tool("tree", "model.xml", "-o", "none/out.txt")
         self.assertEqual((result.status, result.err),
-                         (70, "none/out.txt: error: cannot write it: No such file or directory\n"))
+                         (7, "none/out.txt: error: cannot write it: No such file or directory\n"))
 
 
 class StandardOutput(ToolTest):
@@ -52,13 +52,13 @@ class StandardOutput(ToolTest):
         return subprocess.run([QVT, *arguments], stdout=output, stderr=subprocess.PIPE, cwd=self.folder,
                               env={**os.environ, **SANITIZED}, timeout=100)
 
-    def test_ThatIsFullIsAFault(self):
+    def test_ThatIsFullHasItsOwnStatus(self):
         self.document(MODEL)
         for arguments in (["tree", "model.xml"], ["get", "model.xml", "g.d"], ["export", "model.xml"], ["--help"]):
             with self.subTest(arguments), open("/dev/full", "wb") as full:
                 result = self.run_into(full, *arguments)
                 self.assertEqual((result.returncode, result.stderr),
-                                 (70, b"standard output: error: cannot write it: No space left on device\n"))
+                                 (7, b"standard output: error: cannot write it: No space left on device\n"))
 
     def test_WhoseReaderHasGoneEndsTheRunInSilence(self):
         self.document(MODEL)
@@ -70,10 +70,10 @@ class StandardOutput(ToolTest):
                 os.close(writing)
                 self.assertEqual((result.returncode, result.stderr), (0, b""))
 
-    def test_ThatIsClosedIsAFaultAndNoFileTakesItsPlace(self):
+    def test_ThatIsClosedHasThatStatusTooAndNoFileTakesItsPlace(self):
         self.document('<root name="r"/>')
         result = subprocess.run(f"'{QVT}' tree model.xml >&-", shell=True, stderr=subprocess.PIPE, cwd=self.folder,
                                 env={**os.environ, **SANITIZED})
         self.assertEqual((result.returncode, result.stderr),
-                         (70, b"standard output: error: cannot write it: Bad file descriptor\n"))
+                         (7, b"standard output: error: cannot write it: Bad file descriptor\n"))
         self.assertEqual((self.folder / "model.xml").read_text(), '<root name="r"/>')

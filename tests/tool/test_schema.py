@@ -35,7 +35,7 @@ tag    int8     1      24      1
         self.document(TYPES)
         result = self.run_tool("schema", "model.xml", "T.None")
         self.assertEqual((result.status, result.out, result.err),
-                         (3, "", "model.xml: error: no class T.None, nor in the documents of --schemas\n"))
+                         (3, "", "model.xml: error: no class T.None, nor in the stores of --schemas\n"))
 
     def test_OfTwoClassesIsWrongUsage(self):
         self.document(TYPES)

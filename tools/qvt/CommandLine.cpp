@@ -3,7 +3,6 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cctype>
-#include <limits>
 #include <utility>
 #include <vector>
 
@@ -14,13 +13,9 @@ namespace qvt {
 
 namespace {
 
-#ifdef QVT_FILE
 const Verb* const kVerbs[] = {&kImport,   &kExport, &kTree,   &kShow,    &kGet,  &kSet,    &kNew,
                               &kRm,       &kMv,     &kCp,     &kMerge,   &kStat, &kSchema, &kUnits,
                               &kConforms, &kCheck,  &kRepair, &kCompact, &kDump};
-#else
-const Verb* const kVerbs[] = {&kExport, &kTree, &kShow, &kGet, &kStat, &kSchema, &kUnits, &kConforms, &kDump};
-#endif
 
 constexpr const char* kFooter =
     "STORE is a file store (model.qvt), a document (model.xml), or - for a document on standard input. "
@@ -74,10 +69,9 @@ void addStores(CLI::App& app, const Verb& verb, Options& options) {
     if (verb.has(Verb::kStore)) addText(app, "STORE", options.store, "file store, document, or -");
     if (verb.has(Verb::kFile)) addText(app, "STORE", options.store, "file store (*.qvt)");
     if (verb.has(Verb::kDocuments))
-        app.add_option("DOC", options.words, "documents, and last the file store (*.qvt)")
-            ->type_name("... STORE")
-            ->required()
-            ->expected(2, std::numeric_limits<int>::max());
+        app.add_option("DOC", options.words, "documents, or - for one, and last the file store (*.qvt)")
+            ->type_name("")
+            ->required();
     if (!verb.has(Verb::kRepairOptions)) return;
     addText(app, "IN", options.store, "file store (*.qvt), which stays as it is");
     addText(app, "OUT", options.target, "file store (*.qvt) to make");
@@ -176,8 +170,13 @@ int print(const std::string& text) {
     return kDone;
 }
 
+// A list and one more cannot be told to the parser, and so it does not say it either.
 std::string helpOn(const CLI::App& app, const std::string& prefix) {
-    return app.get_formatter()->make_help(&app, prefix + app.get_name(), CLI::AppFormatMode::Normal);
+    std::string text =
+        app.get_formatter()->make_help(&app, prefix + app.get_name(), CLI::AppFormatMode::Normal);
+    const std::size_t documents = text.find(" DOC...\n");
+    if (documents != std::string::npos) text.insert(documents + 7, " STORE");
+    return text;
 }
 
 int printHelp(CLI::App& app, const std::string& about) {
@@ -189,12 +188,14 @@ int printHelp(CLI::App& app, const std::string& about) {
 
 // What the options alone do not say.
 void take(const CLI::App& app, const Verb& verb, Command& command) {
-    command.verb = &verb;
     Options& options = command.options;
     options.hasUri = verb.has(Verb::kValueOptions) && app.count("--uri") != 0;
-    if (!verb.has(Verb::kDocuments)) return;
-    options.store = options.words.back();
-    options.words.pop_back();
+    if (verb.has(Verb::kDocuments)) {
+        if (options.words.size() < 2) throw CLI::RequiredError("STORE");
+        options.store = options.words.back();
+        options.words.pop_back();
+    }
+    command.verb = &verb;
 }
 
 void addVerb(CLI::App& app, const Verb& verb, Command& command) {

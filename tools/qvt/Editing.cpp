@@ -19,7 +19,8 @@ bool removeChild(const Object& parent, const std::string& name) {
 }  // namespace
 
 Editing::Editing(const std::string& path, const Options& options)
-    : messages_(options.quiet),
+    : name_(path),
+      messages_(options.quiet),
       libraries_(options.schemas, messages_),
       store_(path, forWriting()),
       transaction_(store_),

@@ -18,7 +18,7 @@ class Editing {
     // A store without any object is a Failure: there is nothing to edit.
     Editing(const std::string& path, const Options& options);
 
-    const std::string& name() const { return store_.path(); }
+    const std::string& name() const { return name_; }
     IDataStore& store() { return store_; }
     Tree& tree() { return *tree_; }
     ISchemaLocator* locator() { return locator_.get(); }
@@ -31,6 +31,7 @@ class Editing {
     int status() const { return messages_.hasReports() ? kNo : kDone; }
 
   private:
+    std::string name_;
     Messages messages_;
     Libraries libraries_;
     FileDataStore store_;

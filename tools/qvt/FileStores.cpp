@@ -34,11 +34,17 @@ Status statusOf(Code code) {
     return kFault;
 }
 
-std::string wordsOf(const StoreError& error, const std::string& openedBy) {
-    std::string words = error.what();
-    if (words.rfind(openedBy + ": ", 0) == 0) words.erase(0, openedBy.size() + 2);
-    if (error.offset() == IDataStore::BADOFF) return words;
-    return "record " + std::to_string(error.offset()) + ": " + words;
+Failure failureAt(const StoreError& error, const std::string& name, std::string_view words) {
+    std::string message = name + ": error: ";
+    if (error.offset() != IDataStore::BADOFF) message += "record " + std::to_string(error.offset()) + ": ";
+    return {statusOf(error.code()), message + std::string(words)};
+}
+
+// What stands behind the name of a file, or nothing.
+std::optional<std::string_view> wordsBehind(const std::string& file, std::string_view text) {
+    if (file.empty() || text.substr(0, file.size()) != file || text.substr(file.size(), 2) != ": ")
+        return std::nullopt;
+    return text.substr(file.size() + 2);
 }
 
 }  // namespace
@@ -65,8 +71,16 @@ std::unique_ptr<IDataStore> openForReading(const std::string& path) {
     return std::make_unique<FileDataStore>(path, options);
 }
 
-Failure failureOf(const StoreError& error, const std::string& openedBy, const std::string& path) {
-    return {statusOf(error.code()), path + ": error: " + wordsOf(error, openedBy)};
+std::optional<Failure> failureOf(const StoreError& error, const std::string& file, const std::string& name) {
+    std::error_code ignored;
+    for (const std::string& each : {file, std::filesystem::weakly_canonical(file, ignored).string(),
+                                    std::filesystem::absolute(file, ignored).string()})
+        if (const auto words = wordsBehind(each, error.what())) return failureAt(error, name, *words);
+    return std::nullopt;
+}
+
+Failure failureOf(const StoreError& error, const std::string& name) {
+    return failureAt(error, name, error.what());
 }
 
 }  // namespace qvt

@@ -2,7 +2,9 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
+#include <string_view>
 
 #include "Names.h"
 #include "Options.h"
@@ -25,8 +27,11 @@ void mustBeFileStore(const std::string& path, const char* verb);
 // Throws StoreError, as everything that is done with the store may.
 std::unique_ptr<IDataStore> openForReading(const std::string& path);
 
-// What a store's failure means for the run. The store begins its words with the path it was opened by, and
-// messages have `path` in its place.
-Failure failureOf(const StoreError& error, const std::string& openedBy, const std::string& path);
+// What a store's failure means for the run. The store begins its words with the place of its file, which they
+// may have found out; if it is that of `file`, the message has `name` instead. Nothing if it is another one.
+std::optional<Failure> failureOf(const StoreError& error, const std::string& file, const std::string& name);
+
+// The same for words that begin with another place, such as that of its folder.
+Failure failureOf(const StoreError& error, const std::string& name);
 
 }  // namespace qvt

@@ -1,6 +1,7 @@
 #include "Findings.h"
 
 #include <algorithm>
+#include <map>
 #include <nlohmann/json.hpp>
 
 #include "Describe.h"
@@ -11,7 +12,6 @@ namespace qvt {
 namespace {
 
 using data::integrity::Finding;
-using data::integrity::Report;
 using data::integrity::Severity;
 
 std::string severityOf(const Finding& finding) {
@@ -28,20 +28,34 @@ std::string line(const Finding& finding, const std::string& file) {
     return printable(text + finding.text + " [" + finding.code + "]") + "\n";
 }
 
-std::string counted(std::size_t count, const std::string& what) {
-    return std::to_string(count) + " " + what + (count == 1 ? "" : "s");
+// Those are many in every store: documents that override members of classes leave records behind.
+std::string notes(const Report& report, const std::string& file) {
+    std::map<std::string, std::size_t> counts;
+    for (const Finding& each : report.findings)
+        if (each.severity == Severity::note) ++counts[each.code];
+    std::string text;
+    for (const auto& [code, count] : counts)
+        text +=
+            printable(file) + ": note: " + counted(count, "finding") + " [" + code + "], listed by -f json\n";
+    return text;
 }
 
 }  // namespace
 
+std::string counted(std::uint64_t count, const std::string& what) {
+    return std::to_string(count) + " " + what + (count == 1 ? "" : "s");
+}
+
 std::string findingsAsText(const Report& report, const std::string& file) {
     std::string text;
-    for (const Finding& finding : report.findings) text += line(finding, file);
-    const auto errors = static_cast<std::size_t>(
-        std::count_if(report.findings.begin(), report.findings.end(),
-                      [](const Finding& each) { return each.severity == Severity::error; }));
-    return text + printable(file) + ": " + counted(report.recordCount, "record") + ", " +
-           (errors == 0 ? "sound" : counted(errors, "error")) + "\n";
+    for (const Finding& each : report.findings)
+        if (each.severity != Severity::note) text += line(each, file);
+    return text + notes(report, file);
+}
+
+std::uint64_t errorsIn(const Report& report) {
+    const auto isError = [](const Finding& each) { return each.severity == Severity::error; };
+    return static_cast<std::uint64_t>(std::count_if(report.findings.begin(), report.findings.end(), isError));
 }
 
 std::string findingsAsJson(const Report& report, const std::string& file) {

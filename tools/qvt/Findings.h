@@ -1,14 +1,22 @@
 // What a check or a repair has found.
 #pragma once
 
+#include <cstdint>
 #include <string>
 
 #include "norvane/platform/data/integrity/Integrity.h"
 
 namespace qvt {
 
-// One line for each finding in the compilers' form, then one that sums them up.
-std::string findingsAsText(const norvane::platform::data::integrity::Report& report, const std::string& file);
-std::string findingsAsJson(const norvane::platform::data::integrity::Report& report, const std::string& file);
+using norvane::platform::data::integrity::Report;
+
+// One line for each error and warning in the compilers' form, and one for all notes of a kind.
+std::string findingsAsText(const Report& report, const std::string& file);
+std::string findingsAsJson(const Report& report, const std::string& file);
+
+std::uint64_t errorsIn(const Report& report);
+
+// As "1 record" and "2 records".
+std::string counted(std::uint64_t count, const std::string& what);
 
 }  // namespace qvt

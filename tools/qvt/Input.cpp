@@ -1,8 +1,6 @@
 #include "Input.h"
 
-#include <strings.h>
-
-#include <cstring>
+#include <cctype>
 
 #include "Names.h"
 #include "Options.h"
@@ -39,11 +37,11 @@ class FirstTag : public core::xml::XMLCallback {
   public:
     struct Found {};
 
-    bool isRoot = false;
+    std::string name;
 
-    void startElement(const char* name, const char* const* attributes) override {
-        for (; *attributes && !isRoot; attributes += 2)
-            isRoot = ::strcasecmp(name, "root") == 0 && std::strcmp(attributes[0], "name") == 0;
+    void startElement(const char* element, const char* const*) override {
+        name = element;
+        for (char& c : name) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
         throw Found();
     }
     void endElement(const char*) override {}
@@ -60,7 +58,7 @@ Input::Input(const std::string& path) : name_(path == "-" ? "<stdin>" : path) {
     bytes_ = contentsOf(path == "-" ? fromInput : fromFile, name_);
 }
 
-bool isRootDocument(std::string_view bytes) {
+std::string outermostElement(std::string_view bytes) {
     FirstTag callback;
     core::xml::XMLParser parser(callback);
     core::io::MemoryReader reader(bytes);
@@ -68,7 +66,7 @@ bool isRootDocument(std::string_view bytes) {
         parser.parseDocument(&reader);
     } catch (const FirstTag::Found&) {  // the only way to stop a parse that goes well
     }
-    return callback.isRoot;
+    return callback.name;
 }
 
 }  // namespace qvt

@@ -21,8 +21,8 @@ class Input {
     std::string bytes_;
 };
 
-// Whether the outermost element of a document is a root that has a name. One without a name is reported and
-// skipped like any other element.
-bool isRootDocument(std::string_view bytes);
+// The name of the outermost element of a document in lower case, as elements are compared. Empty if there is
+// none, in a document that is not well-formed.
+std::string outermostElement(std::string_view bytes);
 
 }  // namespace qvt

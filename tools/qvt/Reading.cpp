@@ -98,10 +98,8 @@ void Reading::read(Target* target, const Input& input) {
     MissingClasses classes(locator_, [&] { return placeIn(input.name(), reader.place()); });
     try {
         IXMLFrontEnd::parse(target, &reader, &classes, nullptr, &reporter);
-#ifdef QVT_FILE
     } catch (const StoreError&) {
         throw;
-#endif
     } catch (const std::exception&) {
         if (!reader.DiagnosingReader::stopped()) throw;
     }

@@ -8,14 +8,20 @@ namespace qvt {
 
 namespace {
 
+std::string asText(const Report& report, const std::string& file) {
+    const std::uint64_t errors = errorsIn(report);
+    return findingsAsText(report, file) + printable(file) + ": " + counted(report.recordCount, "record") +
+           ", " + (errors == 0 ? "sound" : counted(errors, "error")) + "\n";
+}
+
 int check(const Options& options) {
     mustBeFileStore(options.store, "check");
-    const data::integrity::Report report = data::integrity::checkFile(options.store);
+    const Report report = data::integrity::checkFile(options.store);
     Output output(options);
     if (options.format == Format::json)
         output.put(findingsAsJson(report, options.store));
     else if (!options.quiet)
-        output.put(findingsAsText(report, options.store));
+        output.put(asText(report, options.store));
     output.finish();
     return report.isSound() ? kDone : kDamaged;
 }
@@ -25,8 +31,8 @@ int check(const Options& options) {
 const Verb kCheck{
     "check", "look for damage in a store",
     "Looks at the file, at every record, and at how records hang together, and changes nothing. One line\n"
-    "for each finding: error, warning or note, the record, the path. Exit status 0 if nothing is an error,\n"
-    "4 if something is. -q prints nothing.",
+    "for each error and warning: the record, the path, what it is; notes are counted, and listed in JSON.\n"
+    "Exit status 0 if nothing is an error, 4 if something is. -q prints nothing.",
     Verb::kFile | Verb::kJson | Verb::kAnswers, check};
 
 }  // namespace qvt

@@ -10,6 +10,7 @@
 
 #include "Editing.h"
 #include "Input.h"
+#include "NewValues.h"
 #include "Reading.h"
 #include "Verbs.h"
 #include "norvane/platform/core/storage/datastore/MemoryDataStore.h"
@@ -90,10 +91,10 @@ class Import {
         if (store_.size() == 0 && options_.into.empty()) return reading().into(store_, input);
         Tree tree(store_, file_);
         const Object into = placeIn(tree);
-        if (isRootDocument(input.bytes()))
+        if (standsFor(outermostElement(input.bytes())))
             readChildren(input, *into.container);
         else
-            readObject(input, tree, *into.container);
+            readObject(input, tree, into);
     }
 
     Reading reading() { return {*locator_, messages_}; }
@@ -106,21 +107,30 @@ class Import {
         return into;
     }
 
-    // A root stands for the container that it is read into, whose store keeps its own version.
+    // Whether what is in an object goes into the container, or the object itself does.
+    bool standsFor(const std::string& element) const {
+        if (options_.into.empty()) return element == "root";
+        return element != "table" && typeNamed(element) == 0;
+    }
+
+    // The store keeps its own version.
     void readChildren(const Input& input, IContainer& into) {
         const std::uint32_t version = store_.version();
         reading().into(into, input);
         store_.setVersion(version);
     }
 
-    // Any other object becomes a child.
-    void readObject(const Input& input, const Tree& tree, IContainer& into) {
+    void readObject(const Input& input, const Tree& tree, const Object& place) {
+        IContainer& into = *place.container;
         MemoryDataStore store;
         const SharedPtr<ISchemaLocator> locator = libraries_.locatorFor(store);
         locator->addStore(&store_);
         Reading(*locator, messages_).into(store, input);
+        if (store.size() == 0) return;  // it was reported and skipped
         Tree source(store, input.name());
         const Object object = source.get("");
+        if (object.primitive() && tree.isRoot(place))
+            throw refused(tree, "no primitive can stand directly below the root");
         if (!(object.container ? into.add(object.container) : into.add(object.property)))
             throw refused(tree, nameOf(object) + " is there already");
     }
@@ -162,7 +172,8 @@ int import(const Options& options) {
         place.take();
         return status;
     } catch (const StoreError& error) {
-        throw failureOf(error, place.file(), options.store);
+        if (const auto failure = failureOf(error, place.file(), options.store)) throw *failure;
+        throw;
     }
 }
 
@@ -172,9 +183,10 @@ const Verb kImport{
     "import", "read documents into a store",
     "Makes the store if it is not there. All or nothing: a document that is not well-formed leaves the\n"
     "store as it was, or not there; --keep-going keeps what could be read. The first document makes the\n"
-    "root; others, and those for a store that has one, are read into it, or into the container of --into:\n"
-    "a root stands for what it is read into, any other object becomes a child. A container whose name is\n"
-    "taken is reported and skipped; a primitive or table of the same type gets the new values.\n"
+    "root; the children of others go into it, and objects that are no root become its children. With --into\n"
+    "the outermost element stands for the container there, if it is one, and what it holds goes into that.\n"
+    "A container whose name is taken is reported and skipped; a primitive or table of the same type gets\n"
+    "the new values.\n"
     "Exit status 1 if a document had reports, of elements that were skipped: the rest was imported.",
     Verb::kDocuments | Verb::kSchemas, import};
 

@@ -3,7 +3,7 @@
 #include <exception>
 #include <new>
 #include <string>
-#include <string_view>
+#include <system_error>
 #include <vector>
 
 #include "CommandLine.h"
@@ -25,29 +25,29 @@ int ended(const qvt::Failure& failure) {
     return failure.status();
 }
 
-#ifdef QVT_FILE
-// The store names itself by the path that it was opened by.
 int ended(const qvt::StoreError& error, const qvt::Options& options) {
     std::vector<std::string> paths{options.store, options.target, options.to};
     paths.insert(paths.end(), options.schemas.begin(), options.schemas.end());
     for (const std::string& path : paths)
-        if (!path.empty() && std::string_view(error.what()).substr(0, path.size() + 2) == path + ": ")
-            return ended(qvt::failureOf(error, path, path));
-    return ended(qvt::failureOf(error, "", "qvt"));
+        if (const auto failure = qvt::failureOf(error, path, path)) return ended(*failure);
+    return ended(qvt::failureOf(error, options.store));
 }
-#endif
 
-int run(const qvt::Command& command) {
+int run(int argc, const char* const* argv) {
+    qvt::Command command;
     try {
+        command = qvt::commandOf(argc, argv);
         return command.verb ? command.verb->run(command.options) : command.status;
     } catch (const qvt::OutputClosed&) {
         return qvt::kDone;
     } catch (const qvt::Failure& failure) {
         return ended(failure);
-#ifdef QVT_FILE
     } catch (const qvt::StoreError& error) {
         return ended(error, command.options);
-#endif
+    } catch (const std::system_error& error) {
+        const bool isStuck = error.code() == std::errc::resource_deadlock_would_occur;
+        return isStuck ? ended(qvt::Failure(qvt::kBusy, std::string("error: ") + error.what()))
+                       : fault(error.what());
     } catch (const std::bad_alloc&) {
         return fault("out of memory");
     } catch (const std::exception& exception) {
@@ -59,5 +59,5 @@ int run(const qvt::Command& command) {
 
 int main(int argc, char** argv) {
     std::signal(SIGPIPE, SIG_IGN);  // a write tells it too
-    return run(qvt::commandOf(argc, argv));
+    return run(argc, argv);
 }

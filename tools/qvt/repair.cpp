@@ -8,18 +8,23 @@ namespace qvt {
 
 namespace {
 
+std::string asText(const Report& report, const Options& options) {
+    return findingsAsText(report, options.store) + printable(options.target) + ": " +
+           counted(report.recordCount, "record") + ", " + counted(errorsIn(report), "repair") + "\n";
+}
+
 int repair(const Options& options) {
     mustBeFileStore(options.store, "repair");
     mustBeFileStore(options.target, "repair");
     data::integrity::RepairOptions how;
     how.salvage = options.salvage;
     how.recovered = options.recovered;
-    const data::integrity::Report report = data::integrity::repair(options.store, options.target, how);
+    const Report report = data::integrity::repair(options.store, options.target, how);
     Output output(options);
     if (options.format == Format::json)
         output.put(findingsAsJson(report, options.store));
     else if (!options.quiet)
-        output.put(findingsAsText(report, options.store));
+        output.put(asText(report, options));
     output.finish();
     return kDone;
 }

@@ -99,8 +99,9 @@ const Verb kSet{
     "set", "change a value",
     "The VALUEs become the whole value: numbers, several to a word if need be, as get prints them; true\n"
     "and false for a bool; a text each; Base64 for bytes; the numbers of its fields for a struct, whose\n"
-    "class must be known; the target of a link. An empty VALUE empties numbers and removes a target. What\n"
-    "begins with - and is no number stands behind --. Numbers are not converted: --unit gives the\n"
+    "class must be known; the target of a link. An empty VALUE empties numbers and removes a target. If a\n"
+    "VALUE begins with - and is no number, -- stands before the first. Numbers are not converted: --unit "
+    "gives the\n"
     "primitive another unit, which makes it the last among its siblings, and is refused if it came from a\n"
     "class. --name sets a display name, without TEXT it removes it.",
     Verb::kFile | Verb::kSchemas | Verb::kPath | Verb::kValues | Verb::kValueOptions | Verb::kUnit, set};

@@ -3,7 +3,8 @@
 
 A `cpp` block is a program: it is compiled against the public headers and the shared libraries, run, and must print
 what stands in the `text` block behind it. A `console` block is a session: each line that begins with "$ " is run in
-examples/documents, and must print the lines below it.
+a folder with the documents of examples/documents, the same one for all blocks of a page, and must print the lines
+below it.
 
 usage: blocks.py PAGE
 The environment says what to build with: CXX, CXXFLAGS, QVT (the tool), QVT_LIBRARIES (their folder), QVT_SOURCE.
@@ -13,6 +14,7 @@ import os
 import pathlib
 import re
 import shlex
+import shutil
 import subprocess
 import sys
 import tempfile
@@ -33,15 +35,16 @@ def run_program(code, standard):
         libraries = os.environ["QVT_LIBRARIES"]
         subprocess.run([os.environ["CXX"], *shlex.split(os.environ["CXXFLAGS"]), f"-std={standard}", "-Wall", "-Wextra",
                         "-Werror", f"-I{SOURCE}/include", source, "-o", program, f"-L{libraries}",
-                        f"-Wl,-rpath,{libraries}", "-lqvt_data-3_0", "-lqvt_core-3_0"], check=True)
-        return subprocess.run([program], check=True, stdout=subprocess.PIPE).stdout.decode()
+                        f"-Wl,-rpath,{libraries}", "-Wl,--as-needed", "-lqvt_file-3_0",
+                        "-lqvt_data-3_0", "-lqvt_core-3_0"], check=True)
+        return subprocess.run([program], cwd=folder, check=True, stdout=subprocess.PIPE).stdout.decode()
 
 
-def run_session(commands):
+def run_session(commands, folder):
     """What each command prints, one after the other in one shell."""
     script = f"qvt() {{ {shlex.quote(os.environ['QVT'])} \"$@\"; }}\n"
     script += "".join(f"{{ {command}\n}} 2>&1; printf '\\036'\n" for command in commands)
-    run = subprocess.run(["bash", "-c", script], cwd=SOURCE / "examples" / "documents", stdout=subprocess.PIPE)
+    run = subprocess.run(["bash", "-c", script], cwd=folder, stdout=subprocess.PIPE)
     return run.stdout.decode().split(END)[:-1]
 
 
@@ -50,10 +53,10 @@ def check(what, expected, printed):
         sys.exit(f"{what}\nprints\n{printed}\nand not\n{expected}")
 
 
-def check_session(text):
+def check_session(text, folder):
     steps = re.findall(r"^\$ (.*)\n((?:(?!\$ ).*\n)*)", text, re.MULTILINE)
     commands = [command for command, _ in steps]
-    for (command, expected), printed in zip(steps, run_session(commands), strict=True):
+    for (command, expected), printed in zip(steps, run_session(commands, folder), strict=True):
         check("$ " + command, expected, printed)
     return len(steps)
 
@@ -61,13 +64,15 @@ def check_session(text):
 def main(path):
     found = blocks(pathlib.Path(path).read_text())
     programs = commands = 0
+    folder = tempfile.TemporaryDirectory()
+    shutil.copytree(SOURCE / "examples" / "documents", folder.name, dirs_exist_ok=True)
     for (language, text), (after, output) in zip(found, [*found[1:], ("", "")]):
         if language == "cpp":
             for standard in ("c++17", "c++20"):
                 check("the program", output if after == "text" else "", run_program(text, standard))
             programs += 1
         elif language == "console":
-            commands += check_session(text)
+            commands += check_session(text, folder.name)
     print(f"{programs} programs and {commands} commands do what {path} says")
     if programs + commands == 0:
         sys.exit("there is nothing to run")

@@ -45,7 +45,7 @@ std::uint64_t localSize(std::uint64_t size) {
     return wanted <= kMostLocal ? wanted : kLeastLocal;
 }
 
-// The columns fill the row exactly, or it is none.
+// The columns lie within the row, or it is none. A damaged size of the row alone hides nothing.
 bool findColumns(RawRow& row) {
     Cursor cursor(row.local, 0);
     const auto headSize = cursor.varint();
@@ -59,7 +59,7 @@ bool findColumns(RawRow& row) {
         row.columns[row.columnCount++] = {*type, position, size};
         position += size;
     }
-    return cursor.position() == *headSize && position == row.size;
+    return cursor.position() == *headSize && position <= row.size;
 }
 
 }  // namespace
@@ -99,16 +99,16 @@ std::optional<std::int64_t> RawRow::number(std::size_t column) const {
 }
 
 bool RawRow::looksLikeRecord() const {
-    return columnCount == 3 && columns[0].isNull() && columns[1].isNumber() && id >= 0 &&
+    return columnCount == 3 && columns[0].size == 0 && columns[1].isNumber() && id >= 0 &&
            id < static_cast<std::int64_t>(kEndOfOffsets) && (columns[2].isBytes() || columns[2].isNumber());
 }
 
 bool RawRow::looksLikePart() const {
-    return columnCount == 2 && columns[0].isNull() && columns[1].isBytes() && id >= 0;
+    return columnCount == 2 && columns[0].size == 0 && columns[1].isBytes() && id >= 0;
 }
 
 bool RawRow::looksLikeMeta() const {
-    return columnCount == 7 && columns[0].isNull() && id == kMetaId && overflow == 0;
+    return columnCount == 7 && columns[0].size == 0 && id == kMetaId && overflow == 0;
 }
 
 std::vector<std::uint16_t> rowPlaces(const Page& page, std::size_t head) {

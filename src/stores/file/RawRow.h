@@ -32,7 +32,6 @@ struct RawRow {
         bool isBytes() const { return type >= 12 && type % 2 == 0; }
         bool isText() const { return type >= 13 && type % 2 == 1; }
         bool isNumber() const { return (type >= 1 && type <= 6) || type == 8 || type == 9; }
-        bool isNull() const { return type == 0; }
     };
 
     std::int64_t id = 0;

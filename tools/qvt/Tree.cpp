@@ -4,9 +4,14 @@
 #include <utility>
 #include <vector>
 
+#include "FileStores.h"
+
 namespace qvt {
 
-Failure nothingIn(const std::string& name) { return {kNo, name + ": error: nothing was read"}; }
+Failure nothingIn(const std::string& name) {
+    if (isFileStore(name)) return {kMissing, name + ": error: there is no object in it"};
+    return {kNo, name + ": error: nothing was read"};
+}
 
 Tree::Tree(IDataStore& store, std::string name)
     : name_(std::move(name)),

@@ -1,4 +1,5 @@
 // qvt import DOC... STORE
+#include <fcntl.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -36,12 +37,11 @@ class NewFile {
     const std::string& file() const { return file_; }
 
     // When the store is closed.
-    void take() {
+    void take() const {
         if (!isNew_) return;
-        // Unlike a renaming, a link never takes the place of a file that has come meanwhile.
-        if (::link(file_.c_str(), path_.c_str()) != 0)
-            throw Failure(kUnwritten,
-                          path_ + ": error: cannot make it: " + std::generic_category().message(errno));
+        std::error_code none;
+        if (std::filesystem::exists(file_ + "-wal", none)) fail("its log could not be written back");
+        if (!rename() || !syncFolder()) fail(std::generic_category().message(errno));
     }
 
   private:
@@ -49,6 +49,26 @@ class NewFile {
         std::string name = path + "." + std::to_string(::getpid()) + ".new";
         while (std::filesystem::exists(name)) name += "0";
         return name;
+    }
+
+    [[noreturn]] void fail(const std::string& why) const {
+        throw Failure(kUnwritten, path_ + ": error: cannot make it: " + why);
+    }
+
+    // Never in the place of a file that has come meanwhile. Not all file systems can rename so.
+    bool rename() const {
+        if (::renameat2(AT_FDCWD, file_.c_str(), AT_FDCWD, path_.c_str(), RENAME_NOREPLACE) == 0) return true;
+        return (errno == EINVAL || errno == ENOSYS) && ::link(file_.c_str(), path_.c_str()) == 0;
+    }
+
+    // The name is as durable then as what it names.
+    bool syncFolder() const {
+        const std::string folder = std::filesystem::path(path_).parent_path().string();
+        const int descriptor =
+            ::open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+        const bool isDone = descriptor >= 0 && ::fsync(descriptor) == 0;
+        if (descriptor >= 0) ::close(descriptor);
+        return isDone;
     }
 
     void remove() const {

@@ -46,7 +46,7 @@ void setPrimitive(Editing& editing, Object object, const Options& options) {
                     .storeTo(primitive)) {
         throw refused(tree, "the value of " + options.path + " does not fit a record");
     }
-    touch(tree, options.path);
+    if (isNew || options.hasUri) touch(tree, options.path);
 }
 
 template <class Handle>
@@ -69,10 +69,8 @@ void setNames(const Tree& tree, const Object& object, const Options& options) {
             setName(tree, *object.property, assignment);
 }
 
-void change(Editing& editing, const Options& options) {
+void change(Editing& editing, Object object, const Options& options) {
     const Tree& tree = editing.tree();
-    Object object = tree.get(options.path);
-    setNames(tree, object, options);
     const bool isForPrimitives = options.hasUri || !options.unit.empty();
     if (object.primitive()) return setPrimitive(editing, std::move(object), options);
     if (options.words.empty() && !isForPrimitives) return;
@@ -88,7 +86,8 @@ int set(const Options& options) {
     if (!options.words.empty() && options.hasUri)
         throw Failure(kUsage, "error: set takes either a VALUE or --uri");
     Editing editing(options.store, options);
-    change(editing, options);
+    change(editing, editing.tree().get(options.path), options);
+    setNames(editing.tree(), editing.tree().get(options.path), options);
     editing.commit();
     return editing.status();
 }

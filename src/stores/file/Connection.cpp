@@ -39,7 +39,7 @@ Connection::Statements::Statements(Database& database)
       pageCount(database, "PRAGMA page_count", Doing::reading),
       pageSize(database, "PRAGMA page_size", Doing::reading) {}
 
-Connection::Connection(const std::string& path, Database::Mode mode) : database_(path, mode) {
+Connection::Connection(const std::string& path, Database::Mode mode) : mode_(mode), database_(path, mode) {
     if (mode == Database::Mode::create) makeTables();
     checkTables();
     statements_.emplace(database_);

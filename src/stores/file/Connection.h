@@ -18,6 +18,7 @@ class Connection {
     Connection(const std::string& path, Database::Mode mode);
 
     Database& database() { return database_; }
+    bool seesLog() const { return mode_ != Database::Mode::readUnlocked; }
 
     // From here on everything that is read belongs to one revision. Answers which.
     MetaRow beginReading();
@@ -70,6 +71,7 @@ class Connection {
         Statement pageCount, pageSize;
     };
 
+    const Database::Mode mode_;
     Database database_;
     std::optional<Statements> statements_;
 };

@@ -67,7 +67,7 @@ FileDataStore::LogStatus OpenBackend::logStatus() const {
 
 class Reader final : public OpenBackend {
   public:
-    explicit Reader(const std::string& path) : OpenBackend(path, OpenFile::Purpose::read) { connect(); }
+    explicit Reader(const std::string& path) : OpenBackend(path, OpenFile::Purpose::read) { begin(); }
 
     void commit(std::span<const Change>, const StoreMeta&) override { refuse(); }
     void compact() override { refuse(); }
@@ -75,17 +75,27 @@ class Reader final : public OpenBackend {
     bool refresh() override {
         requireOpen();
         const MetaRow before = base_;
-        session_->disconnect();
-        connect();
+        if (session_->seesLog())
+            connection().endReading();
+        else
+            session_->disconnect();
+        begin();
         return base_ != before;
     }
 
     void close() override { session_.reset(); }
 
   protected:
+    // After a refresh that has failed, the revision from before may be there still, or not.
     void prepareToRead() override {
         requireOpen();
-        if (!session_->isConnected()) connect();
+        if (session_->isConnected() && connection().isReading()) return;
+        const MetaRow before = base_;
+        begin();
+        if (base_ == before) return;
+        base_ = before;
+        connection().endReading();
+        fail(Code::notReadable, path(), "the revision that was read is gone");
     }
 
   private:
@@ -94,15 +104,10 @@ class Reader final : public OpenBackend {
         fail(Code::readOnly, path(), "opened for reading only");
     }
 
-    void connect() {
+    void begin() {
         live_.clear();
-        session_->connectToRead();
-        try {
-            base_ = connection().beginReading();
-        } catch (...) {
-            session_->disconnect();
-            throw;
-        }
+        if (!session_->isConnected()) session_->connectToRead();
+        base_ = connection().beginReading();
     }
 };
 

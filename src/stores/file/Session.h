@@ -23,6 +23,8 @@ class Session {
     bool isConnected() const { return connection_.has_value(); }
     Connection& connection() { return *connection_; }
     void connectToRead();
+    // False without a connection, and for one that goes on seeing what it has found.
+    bool seesLog() const { return connection_ && connection_->seesLog(); }
     void connectToWrite() { connection_.emplace(path(), Database::Mode::write); }
 
     // Leaves a log as it is: what stands in it goes into the file when somebody writes, not when somebody has

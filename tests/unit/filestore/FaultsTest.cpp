@@ -153,6 +153,32 @@ TEST_P(FaultsTest, ReadingSaysWhatIsThereOrFails) {
     });
 }
 
+TEST_P(FaultsTest, ARefreshThatFailsMixesNoRevisions) {
+    prepare("model.qvt");
+    Revision revision = prepared_;
+    const auto writer = openWriter(folder_ / "model.qvt", options_);
+    forEveryCall([&](std::uint64_t call) {
+        const auto reader = openReader(folder_ / "model.qvt");
+        const Revision before = revision;
+        commit(*writer, revision, {{1, "call " + std::to_string(call)}});
+
+        arm(call);
+        bool isAnother = false;
+        const auto code = codeOfFailure([&] { isAnother = reader->refresh(); });
+        const bool hasFailed = vfs_.heal();
+
+        EXPECT_TRUE(isNamed(code));
+        EXPECT_EQ(isAnother, !code);
+        EXPECT_EQ(reader->meta(), code ? before.meta : revision.meta);
+        if (code) {
+            EXPECT_EQ(codeOfFailure([&] { loaded(*reader, 1); }), Code::notReadable);
+            EXPECT_TRUE(reader->refresh());
+        }
+        EXPECT_EQ(revisionOf(*reader), revision);
+        return hasFailed;
+    });
+}
+
 TEST_P(FaultsTest, AFileComesIntoBeingWholeOrNotAtAll) {
     forEveryCall([&](std::uint64_t call) {
         Folder empty;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <optional>
+#include <unordered_set>
 
 #include "integrity/Findings.h"
 #include "integrity/Paths.h"
@@ -18,8 +19,6 @@ namespace norvane::platform::data::integrity {
 using namespace Record;
 
 namespace {
-
-constexpr std::uint8_t kTableKind = 2;
 
 std::string number(std::uint64_t value) { return std::to_string(value); }
 
@@ -152,23 +151,23 @@ class Mending {
     Findings& findings_;
 };
 
-bool hasChildNamed(IDataStore& store, const std::u16string& name) {
+std::unordered_set<std::u16string> namesBelowRoot(IDataStore& store) {
     Findings ignored;
+    std::unordered_set<std::u16string> names;
     const std::uint32_t list = Snapshot(&store, kRootOffset)->load(field::children);
-    for (const std::uint32_t child : valuesOf(store, list, ignored)) {
-        const Snapshot record(&store, child);
-        if (record->hasName(name)) return true;
-    }
-    return false;
+    for (const std::uint32_t child : valuesOf(store, list, ignored))
+        names.insert(Snapshot(&store, child)->name());
+    return names;
 }
 
 std::u16string freeName(IDataStore& store, const std::u16string& name) {
-    if (!hasChildNamed(store, name)) return name;
-    for (std::uint32_t i = 2;; ++i) {
-        std::u16string candidate = name + u'-';
-        for (const char digit : number(i)) candidate += static_cast<char16_t>(digit);
-        if (!hasChildNamed(store, candidate)) return candidate;
+    const std::unordered_set<std::u16string> taken = namesBelowRoot(store);
+    std::u16string free = name;
+    for (std::uint32_t i = 2; taken.count(free) != 0; ++i) {
+        free = name + u'-';
+        for (const char digit : number(i)) free += static_cast<char16_t>(digit);
     }
+    return free;
 }
 
 void addRemedies(std::vector<Finding>& findings) {

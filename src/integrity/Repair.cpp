@@ -78,7 +78,8 @@ void tellOfFile(const std::string& path, const Saved& saved, std::vector<Finding
     for (Finding& each : fileFindings(path)) {
         const bool isRecord = each.offset != IDataStore::BADOFF;
         if (isRecord && !saved.isThere.get(each.offset)) each.text += " The record was left out.";
-        if (isRecord && saved.isThere.get(each.offset)) each.text += " A sound copy of it was found.";
+        if (isRecord && saved.isThere.get(each.offset))
+            each.text += " A copy of it was found, which may be an older one.";
         if (!isRecord) each.text += " The file was written anew.";
         findings.push_back(std::move(each));
     }

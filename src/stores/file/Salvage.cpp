@@ -41,7 +41,7 @@ void Salvage::walk(std::uint32_t root) {
     while (!waiting.empty()) {
         const std::uint32_t number = waiting.back();
         waiting.pop_back();
-        if (number >= seen_.size() || seen_[number] || !file_.read(number, page)) continue;
+        if (number < 2 || number >= seen_.size() || seen_[number] || !file_.read(number, page)) continue;
         seen_[number] = true;
         const std::byte kind = page[headAt(number)];
         // A page whose kind is damaged may be either: wrong checksums tell what it is not.
@@ -52,10 +52,11 @@ void Salvage::walk(std::uint32_t root) {
     }
 }
 
-// A page in which a long row goes on begins with the number of another page, and so never like a leaf.
+// A page in which a long row goes on begins with the number of another page, and so never like a leaf; nor
+// does the first page, unless another one has come into its place.
 void Salvage::sweep() {
     Page page;
-    for (std::uint32_t number = 2; number <= file_.pageCount(); ++number)
+    for (std::uint32_t number = 1; number <= file_.pageCount(); ++number)
         if (!seen_[number] && file_.read(number, page) && page[0] == kLeafPage) take(number, true);
 }
 
@@ -63,7 +64,7 @@ void Salvage::sweep() {
 // rows that are no more listed.
 bool Salvage::take(std::uint32_t number, bool isStray) {
     Page page;
-    if (number < 2 || !file_.read(number, page)) return false;
+    if (!file_.read(number, page)) return false;
     std::vector<bool> known(page.size());
     bool isWhole = page[0] == kLeafPage;
     const std::size_t before = records_.size() + parts_.size() + live_.size();

@@ -89,6 +89,20 @@ TEST_F(Repair, GivesTheSameBySalvage) {
     EXPECT_EQ(recordsIn(out), contentsOf(store));
 }
 
+TEST_F(Repair, MakesAnEmptyStoreOfAnEmptyOne) {
+    MemoryDataStore empty;
+    writeFile(in, empty);
+    EXPECT_THAT(repaired(), IsEmpty());
+    EXPECT_EQ(FileDataStore(out).size(), 0u);
+}
+
+TEST_F(Repair, KeepsTheVersion) {
+    store.setVersion(7);
+    save();
+    repaired();
+    EXPECT_EQ(FileDataStore(out).version(), 7u);
+}
+
 TEST_F(Repair, KeepsTheOffsetsOfRemovedRecordsUnused) {
     store.remove(add(u8(3)));
     save();
@@ -156,6 +170,23 @@ TEST_F(Repair, LeavesTheDamagedFileAsItIs) {
     repaired();
     EXPECT_EQ(contentOf(in), before);
     EXPECT_THAT(filesIn(folder), UnorderedElementsAre("in.qvt", "out.qvt"));
+}
+
+TEST_F(Repair, SavesAPageThatStandsInPlaceOfTheFirst) {
+    for (int i = 0; i < 2000; ++i) add(primitiveRecord(none(), 12, u"p"));
+    const std::uint32_t last = add(primitiveRecord(none(), 12, u"the very last"));
+    save();
+    std::string content = contentOf(in);
+    const std::size_t page = content.find(recordAt(store, last).bytes()) / 4096 * 4096;
+    std::swap_ranges(content.begin(), content.begin() + 4096,
+                     content.begin() + static_cast<std::ptrdiff_t>(page));
+    setContent(in, content);
+    RepairOptions options;
+    options.salvage = true;
+
+    repaired(options);
+
+    EXPECT_EQ(recordsIn(out), contentsOf(store));
 }
 
 TEST_F(Repair, SavesWhatIsLeftOfAFileCutInTheMiddle) {

@@ -200,6 +200,18 @@ class New(EditTest):
         self.assertEqual(self.show("h.s")["value"], [{"a": 1.5, "b": [2, 3]}])
         self.assertIn('<struct name="s" type="Pair">1.5 2 3</struct>', self.done("export", "model.qvt", "h").out)
 
+    def test_MakesAStructWithRoomForAMemberWhoseValueLiesElsewhere(self):
+        self.edit("new", "h.Gap", "table")
+        self.edit("new", "h.Gap.a", "int8", "1")
+        self.edit("new", "h.Gap.far", "double")
+        self.edit("set", "h.Gap.far", "--uri", "http://x")
+        self.edit("new", "h.Gap.b", "int8", "1")
+        layout = self.done("schema", "model.qvt", "h.Gap", "-f", "json").json
+        self.edit("new", "h.s", "struct", "5", "6", "--class", "h.Gap")
+        shown = self.show("h.s")
+        self.assertEqual((shown["bytes"], shown["value"][0]["a"], shown["value"][0]["b"]), (layout["byteSize"], 5, 6))
+        self.assertGreater(layout["byteSize"], 2)
+
     def test_FindsClassesInTheStoresOfSchemas(self):
         self.document('<root name="t"><table name="Far"><double name="a">1</double></table></root>', "types.xml")
         self.edit("new", "h.far", "node", "--class", "Far", "--schemas", "types.xml")
@@ -207,10 +219,10 @@ class New(EditTest):
         self.refuse(3, "model.qvt: error: no class Far, nor in the stores of --schemas", "new", "h.more", "node", "--class", "Far")
 
     def test_MarksTheTableThatItChanges(self):
-        self.edit("new", "g.Lid.more", "int8", "3")
-        self.assertIn('<int8 name="more">3</int8>', self.done("export", "model.qvt").out)
         self.edit("new", "g.Lid.none", "int8")
         self.assertIn('<int8 name="none"/>', self.done("export", "model.qvt").out)
+        self.edit("new", "g.Lid.more", "int8", "3")
+        self.assertIn('<int8 name="more">3</int8>', self.done("export", "model.qvt").out)
 
     def test_WhereSomethingIsIsRefused(self):
         for path in ("g", "g.d", "g.own.i", "Box", "g.w"):

@@ -121,6 +121,27 @@ class Unreadable(ToolTest):
         self.assertRegex(result.err, r"\Anone\.qvt: error: .+\n\Z")
 
 
+class Empty(ToolTest):
+    """A store that a host has made and not filled."""
+
+    def setUp(self):
+        super().setUp()
+        subprocess.run([os.environ["QVT_EMPTY_STORE"], self.folder / "model.qvt"], check=True)
+
+    def test_HasNothingToShowOrEdit(self):
+        for verb, *arguments in (["tree"], ["show"], ["export"], ["new", "g", "group"], ["set", "", "--name", "de=R"]):
+            with self.subTest(verb):
+                result = self.run_tool(verb, "model.qvt", *arguments)
+                self.assertEqual((result.status, result.out), (3, ""))
+                self.assertRegex(result.err, r"\Amodel\.qvt: error: there is no(thing| object) in it.*\n\Z")
+
+    def test_IsCountedAndFilled(self):
+        self.assertEqual(self.done("stat", "model.qvt", "-f", "json").json["records"], 0)
+        self.document('<root name="r"><group name="g"/></root>')
+        self.done("import", "model.xml", "model.qvt")
+        self.assertEqual(self.done("tree", "model.qvt").lines, ["r: root, version 0", "└── g: group"])
+
+
 class Documents(ToolTest):
     def test_AreRefusedByVerbsThatWorkOnFilesAlone(self):
         self.document('<root name="r"><group name="g"/></root>')

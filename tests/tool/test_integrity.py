@@ -128,15 +128,29 @@ class Repair(IntegrityTest):
         self.assertRegex(result.err, r"\Agood\.qvt: error: .+\n\Z")
         self.assertEqual((self.folder / "good.qvt").read_bytes(), b"anything")
 
-    def test_SalvagesAFileThatIsCutOff(self):
+    def wide(self):
         self.document('<root name="r">' + "".join(f'<group name="g{i}"/>' for i in range(2000)) + "</root>", "wide.xml")
         self.done("import", "wide.xml", "wide.qvt")
-        data = (self.folder / "wide.qvt").read_bytes()
+        return (self.folder / "wide.qvt").read_bytes()
+
+    def records(self, name):
+        self.done("check", name, "-q")
+        return self.done("stat", name, "-f", "json").json["records"]
+
+    def test_KeepsTheBeginningOfAFileThatIsCutOff(self):
+        data = self.wide()
         (self.folder / "bad.qvt").write_bytes(data[:len(data) // 2])
+        self.done("repair", "bad.qvt", "good.qvt")
+        self.assertGreater(self.records("good.qvt"), 500)
+
+    def test_SalvagesAFileOfWhoseOrderNothingIsLeft(self):
+        data = self.wide()
+        (self.folder / "bad.qvt").write_bytes(data[:4096] + bytes(5 * 4096) + data[6 * 4096:])
+        result = self.run_tool("repair", "bad.qvt", "good.qvt")
+        self.assertEqual((result.status, result.out), (4, ""))
+        self.assertFalse((self.folder / "good.qvt").exists())
         self.done("repair", "bad.qvt", "good.qvt", "--salvage")
-        self.done("check", "good.qvt", "-q")
-        kept = self.done("stat", "good.qvt", "-f", "json").json["records"]
-        self.assertGreater(kept, 500)
+        self.assertGreater(self.records("good.qvt"), 1900)
 
     def test_PutsWhatNothingLeadsToBelowAGroup(self):
         data = bytearray(self.store.read_bytes())

@@ -3,9 +3,8 @@ import pty
 import signal
 import subprocess
 import time
-import unittest
 
-from tool import DOCUMENTS, QVT, ToolTest
+from tool import QVT, ToolTest
 
 MODEL = '<root name="r" version="3"><group name="g"><int8 name="i">1</int8></group></root>'
 
@@ -165,6 +164,19 @@ class AllOrNothing(ToolTest):
         self.assertEqual((result.status, result.err.splitlines()[-1]), (1, "nonsense.xml: error: nothing was read"))
         self.assertFalse(self.store.exists())
 
+    def test_ALinkThatLeadsNowhereIsNotReplaced(self):
+        (self.folder / "model.qvt").symlink_to("elsewhere.qvt")
+        result = self.run_tool("import", "good.xml", "model.qvt")
+        self.assertEqual((result.status, result.err), (6, "model.qvt: error: cannot make it: File exists\n"))
+        self.assertEqual(sorted(os.listdir(self.folder)), ["broken.xml", "good.xml", "model.qvt"])
+
+    def test_KeepGoingWithNothingReadLeavesNoStore(self):
+        self.document("<root", "worse.xml")
+        result = self.run_tool("import", "worse.xml", "model.qvt", "--keep-going")
+        self.assertEqual((result.status, result.err.splitlines()),
+                         (3, ["worse.xml:1:1: error: not well-formed: unclosed token", "worse.xml: error: nothing was read"]))
+        self.assertFalse(self.store.exists())
+
     def test_AStoreInAFolderThatIsNotThere(self):
         result = self.run_tool("import", "good.xml", "none/model.qvt")
         self.assertEqual((result.status, result.out), (3, ""))
@@ -231,7 +243,3 @@ class Progress(ToolTest):
         os.close(master)
         self.assertEqual(run.wait(), 0)
         return out.decode()
-
-
-if __name__ == "__main__":
-    unittest.main()

@@ -27,7 +27,7 @@ class Reports(ToolTest):
             "model.xml:1:16: error: nonsense : unknown element, skipping",
             "model.xml:1:56: error: double : could not nest the element"])
 
-    def test_ComeOnceThoughStatReadsTheDocumentTwice(self):
+    def test_ComeOnceFromAVerbThatLooksAtRecordsAndObjects(self):
         self.document(ROOT.format("<nonsense/>"))
         result = self.run_tool("stat", "model.xml")
         self.assertEqual(result.status, 1)

@@ -1,16 +1,10 @@
 // qvt import DOC... STORE
-#include <fcntl.h>
-#include <unistd.h>
-
 #include <algorithm>
-#include <cerrno>
-#include <cstdio>
-#include <filesystem>
-#include <system_error>
 #include <vector>
 
 #include "Editing.h"
 #include "Input.h"
+#include "NewFile.h"
 #include "NewValues.h"
 #include "Reading.h"
 #include "Verbs.h"
@@ -21,64 +15,6 @@ namespace qvt {
 namespace {
 
 using core::storage::datastore::MemoryDataStore;
-
-// A store that does not exist yet is made beside its place and takes its name when it is whole. What a run
-// leaves that fails, or that is killed, is nothing or a file of another name.
-class NewFile {
-  public:
-    explicit NewFile(const std::string& path)
-        : path_(path), isNew_(!std::filesystem::exists(path)), file_(isNew_ ? unusedBeside(path) : path) {}
-    NewFile(const NewFile&) = delete;
-    NewFile& operator=(const NewFile&) = delete;
-    ~NewFile() {
-        if (isNew_) remove();
-    }
-
-    const std::string& file() const { return file_; }
-
-    // When the store is closed.
-    void take() const {
-        if (!isNew_) return;
-        std::error_code none;
-        if (std::filesystem::exists(file_ + "-wal", none)) fail("its log could not be written back");
-        if (!rename() || !syncFolder()) fail(std::generic_category().message(errno));
-    }
-
-  private:
-    static std::string unusedBeside(const std::string& path) {
-        std::string name = path + "." + std::to_string(::getpid()) + ".new";
-        while (std::filesystem::exists(name)) name += "0";
-        return name;
-    }
-
-    [[noreturn]] void fail(const std::string& why) const {
-        throw Failure(kUnwritten, path_ + ": error: cannot make it: " + why);
-    }
-
-    // Never in the place of a file that has come meanwhile. Not all file systems can rename so.
-    bool rename() const {
-        if (::renameat2(AT_FDCWD, file_.c_str(), AT_FDCWD, path_.c_str(), RENAME_NOREPLACE) == 0) return true;
-        return (errno == EINVAL || errno == ENOSYS) && ::link(file_.c_str(), path_.c_str()) == 0;
-    }
-
-    // The name is as durable then as what it names.
-    bool syncFolder() const {
-        const std::string folder = std::filesystem::path(path_).parent_path().string();
-        const int descriptor =
-            ::open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-        const bool isDone = descriptor >= 0 && ::fsync(descriptor) == 0;
-        if (descriptor >= 0) ::close(descriptor);
-        return isDone;
-    }
-
-    void remove() const {
-        for (const char* suffix : {"", "-wal", "-shm", "-journal"}) std::remove((file_ + suffix).c_str());
-    }
-
-    std::string path_;
-    bool isNew_;
-    std::string file_;
-};
 
 // Documents into one store.
 class Import {
@@ -103,7 +39,7 @@ class Import {
         }
     }
 
-    int status() const { return worst_ != kDone ? worst_ : messages_.hasReports() ? kNo : kDone; }
+    Status status() const { return worst_ != kDone ? worst_ : messages_.hasReports() ? kNo : kDone; }
 
   private:
     // The first document of a store is its contents; others are read into what is there.
@@ -164,16 +100,17 @@ class Import {
     Status worst_ = kDone;
 };
 
-int readAll(const std::vector<Input>& inputs, FileDataStore& store, const Libraries& libraries,
-            Messages& messages, const Options& options) {
+Status readAll(const std::vector<Input>& inputs, FileDataStore& store, const Libraries& libraries,
+               Messages& messages, const Options& options) {
     FileDataStore::Transaction transaction(store);
-    int status = kDone;
+    Status status = kDone;
     {
         Import import(store, options.store, libraries, messages, options);
         for (const Input& input : inputs) import.read(input);
         status = import.status();
     }
-    if (store.size() == 0) throw nothingIn(inputs.front().name());
+    if (store.size() == 0)
+        throw Failure(std::max(status, kNo), inputs.front().name() + ": error: nothing was read");
     transaction.commit();
     store.close();
     return status;
@@ -185,7 +122,7 @@ int import(const Options& options) {
     const Libraries libraries(options.schemas, messages);
     std::vector<Input> inputs;
     for (const std::string& path : options.words) inputs.emplace_back(path);
-    NewFile place(options.store);
+    const NewFile place(options.store);
     try {
         FileDataStore store(place.file());
         const int status = readAll(inputs, store, libraries, messages, options);

@@ -1,0 +1,37 @@
+// Where a store comes into being.
+#pragma once
+
+#include <string>
+
+#include "Options.h"
+
+namespace qvt {
+
+// A store that does not exist yet is made beside its place and takes its name when it is whole. What a run
+// leaves that fails is nothing, one that is killed may leave a file of another name.
+class NewFile {
+  public:
+    // Where there is a file, that one is used and nothing else happens here.
+    explicit NewFile(const std::string& path);
+    NewFile(const NewFile&) = delete;
+    NewFile& operator=(const NewFile&) = delete;
+    ~NewFile();
+
+    // The file to open.
+    const std::string& file() const { return file_; }
+
+    // Gives it its name, for good; the store is closed by then. A Failure if that cannot be, also where
+    // another file of that name has come meanwhile.
+    void take() const;
+
+  private:
+    [[noreturn]] void fail(Status status, const std::string& why) const;
+    bool rename() const;
+    bool syncFolder() const;
+
+    std::string path_;
+    bool isNew_;
+    std::string file_;
+};
+
+}  // namespace qvt

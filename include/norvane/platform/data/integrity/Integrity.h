@@ -50,8 +50,10 @@ struct RepairOptions {
     std::string recovered;
 };
 
-/// Makes a new store at `out` of what is sound in the file `in`, and answers what is different; `check` finds
-/// no error in it. Records keep their offsets. Throws `StoreError`: notFound, notReadable; damaged when
+/// Makes a new store at `out` of what is sound in the file `in`, and answers what is different: the errors
+/// that `in` had, each with what was done about it, and what was put into lists anew. `check` finds no error
+/// in the new store. What readers take for a record stays one, and reads as before. Records keep their
+/// offsets; nothing is renamed. Throws `StoreError`: notFound, notReadable; damaged when
 /// nothing can be saved; exists, notWritable, diskFull for `out`, of which nothing stays then.
 QVT_FILE_API Report repair(const std::string& in, const std::string& out, const RepairOptions& options);
 

@@ -1,0 +1,118 @@
+// Looking at a model that is there: lookups, paths, traversal, writing it as text.
+#include "norvane/platform/core/io/MemoryWriter.h"
+#include "ours/Model.h"
+
+namespace bench {
+namespace {
+
+using norvane::platform::core::io::MemoryWriter;
+
+// Some places, far from each other, in no order.
+std::vector<Place> someOf(std::vector<Place> places, std::uint64_t count) {
+    Random random(1);
+    for (std::size_t i = places.size(); i-- > 1;) std::swap(places[i], places[random.below(i + 1)]);
+    if (places.size() > count) places.resize(count);
+    return places;
+}
+
+// One name after another in containers that are open already.
+void heldTask(const Arguments& arguments, Result& result) {
+    MemoryDataStore store;
+    fill(store, arguments);
+    const auto places = someOf(placesOfDoubles(store), 500);
+    std::vector<SharedPtr<IContainer>> held;
+    for (const Place& place : places) held.push_back(IContainerFrontEnd::find(&store, place.container));
+    double sum = 0;
+    repeat(arguments, result, [&]() -> std::uint64_t {
+        for (std::size_t i = 0; i < places.size(); ++i) sum += readDouble(*held[i], places[i].name);
+        return places.size();
+    });
+    keep(sum);
+}
+
+// From the root to a value, with nothing open.
+void pathTask(const Arguments& arguments, Result& result) {
+    MemoryDataStore store;
+    fill(store, arguments);
+    const auto places = someOf(placesOfDoubles(store), 5'000);
+    std::size_t next = 0;
+    repeat(arguments, result, [&]() -> std::uint64_t {
+        constexpr std::uint64_t kBatch = 20;
+        double sum = 0;
+        for (std::uint64_t i = 0; i < kBatch; ++i) {
+            const Place& place = places[next++ % places.size()];
+            sum += readDouble(*IContainerFrontEnd::find(&store, place.container), place.name);
+        }
+        keep(sum);
+        return kBatch;
+    });
+}
+
+void traverseTask(const Arguments& arguments, Result& result) {
+    MemoryDataStore store;
+    fill(store, arguments);
+    Walk found;
+    repeat(arguments, result, [&] {
+        found = walk(store);
+        return found.values;
+    });
+    result.set("values", found.digest.text());
+}
+
+std::uint64_t textSize(IDataStore& store) {
+    const auto locator = ISchemaLocator::make(&store);
+    MemoryWriter writer;
+    IXMLFrontEnd::serialize(&store, &writer, locator.get(), 0);
+    return writer.text().size();
+}
+
+// `numbers` counts the numbers and texts that are written.
+void writeTask(const Arguments& arguments, Result& result) {
+    MemoryDataStore store;
+    fill(store, arguments);
+    const Walk found = walk(store);
+    std::uint64_t size = 0;
+    repeat(arguments, result, [&]() -> std::uint64_t {
+        size = textSize(store);
+        return 1;
+    });
+    result.set("text", size);
+    result.set("numbers", found.digest.count());
+    result.set("values", found.digest.text());
+}
+
+// The text itself, which must say the same as the document that the model came from.
+void textTask(const Arguments& arguments, Result& result) {
+    MemoryDataStore store;
+    fill(store, arguments);
+    const auto locator = ISchemaLocator::make(&store);
+    MemoryWriter writer;
+    IXMLFrontEnd::serialize(&store, &writer, locator.get(), 0);
+    MemoryDataStore again;
+    importText(again, writer.text());
+    result.set("values", walk(again).digest.text());
+}
+
+// How long it takes to open a container and look at its first child.
+void openTask(const Arguments& arguments, Result& result) {
+    MemoryDataStore store;
+    fill(store, arguments);
+    repeat(arguments, result, [&]() -> std::uint64_t {
+        const auto container = IContainerFrontEnd::find(&store, u"top.wide");
+        require(container && !container->isEmpty(), "nothing there");
+        return 1;
+    });
+}
+
+}  // namespace
+}  // namespace bench
+
+int main(int count, char** words) {
+    return bench::run(count, words,
+                      {{"held", bench::heldTask},
+                       {"path", bench::pathTask},
+                       {"traverse", bench::traverseTask},
+                       {"write", bench::writeTask},
+                       {"text", bench::textTask},
+                       {"open", bench::openTask}});
+}

@@ -66,7 +66,7 @@ void Database::setUp(Doing doing) {
     sqlite3_limit(db_, SQLITE_LIMIT_EXPR_DEPTH, 20);
     sqlite3_limit(db_, SQLITE_LIMIT_TRIGGER_DEPTH, 1);
     waitFor(kShortWait);
-    run("PRAGMA temp_store=MEMORY; PRAGMA cache_size=-2000; PRAGMA cell_size_check=ON; PRAGMA mmap_size=0;"
+    run("PRAGMA temp_store=MEMORY; PRAGMA cache_size=-6000; PRAGMA cell_size_check=ON; PRAGMA mmap_size=0;"
         "PRAGMA synchronous=FULL; PRAGMA wal_autocheckpoint=0; PRAGMA secure_delete=ON",
         doing);
     if (doing == Doing::reading) run("PRAGMA query_only=ON", doing);

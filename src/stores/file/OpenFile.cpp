@@ -74,6 +74,15 @@ int setWriterLock(int descriptor, short type) {
     return ::fcntl(descriptor, F_OFD_SETLK, &region);
 }
 
+bool isWriterLocked(int descriptor) {
+    struct flock region {};
+    region.l_type = F_RDLCK;
+    region.l_whence = SEEK_SET;
+    region.l_start = kWriterByte;
+    region.l_len = 1;
+    return ::fcntl(descriptor, F_OFD_GETLK, &region) == 0 && region.l_type != F_UNLCK;
+}
+
 int openDescriptor(const std::string& path, bool isForWriting) {
     const int access = isForWriting ? O_RDWR : O_RDONLY;
     const int descriptor = ::open(path.c_str(), access | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
@@ -161,6 +170,9 @@ bool OpenFile::isStillThere() const noexcept {
     struct stat status {};
     return ::stat(path_.c_str(), &status) == 0 && status.st_dev == device_ && status.st_ino == inode_;
 }
+
+// One's own lock does not stand in one's own way.
+bool OpenFile::hasWriter() const { return purpose_ == Purpose::write || isWriterLocked(descriptor_); }
 
 bool OpenFile::isSharedHere() const {
     const std::lock_guard lock(registry().mutex);

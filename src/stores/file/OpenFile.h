@@ -32,6 +32,8 @@ class OpenFile {
 
     // False if the path now leads to another file, or to none.
     bool isStillThere() const noexcept;
+    // True if there is a writer, here or in another process.
+    bool hasWriter() const;
     // True if there is another `OpenFile` of this file.
     bool isSharedHere() const;
 

@@ -1,27 +1,23 @@
 // The pages of a store file as they lie on the disk, read without SQLite: for files that it refuses.
 #pragma once
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <string>
 #include <unordered_map>
 
 #include "stores/file/Layout.h"
+#include "stores/file/LogFile.h"
 #include "stores/file/OpenFile.h"
+#include "stores/file/RawPage.h"
 
 namespace norvane::platform::core::storage::datastore {
-
-using Page = std::array<std::byte, kPageSize>;
 
 // Pages count from 1. What was committed to the log stands for what is in the file.
 class RawFile {
   public:
     // Throws notFound, notReadable, and notAStore for what is no file.
     explicit RawFile(const std::string& path);
-    RawFile(const RawFile&) = delete;
-    RawFile& operator=(const RawFile&) = delete;
-    ~RawFile();
 
     std::uint32_t pageCount() const { return pageCount_; }
     // False if there is no such page. A page that the file ends in is filled up with zeros.
@@ -31,7 +27,7 @@ class RawFile {
     void readLog();
 
     OpenFile file_;
-    int log_ = -1;
+    LogFile log_;
     std::uint32_t pageCount_ = 0;
     std::unordered_map<std::uint32_t, std::uint64_t> inLog_;  // where in the log the page is
 };

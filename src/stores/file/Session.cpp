@@ -3,6 +3,7 @@
 #include <new>
 
 #include "stores/file/Log.h"
+#include "stores/file/LogFile.h"
 
 namespace norvane::platform::core::storage::datastore {
 
@@ -10,7 +11,9 @@ Session::Session(const std::string& path, OpenFile::Purpose purpose) : file_(pat
     checkIdentity(file_);
 }
 
+// As long as there is a writer, the log goes through its hands.
 void Session::connectToRead() {
+    if (!file_.hasWriter()) checkLog(file_);
     try {
         connection_.emplace(path(), Database::Mode::read);
     } catch (const StoreError& error) {
@@ -18,6 +21,21 @@ void Session::connectToRead() {
         if (error.code() != StoreError::Code::notReadable || logSizeOf(path()) != 0) throw;
         connection_.emplace(path(), Database::Mode::readUnlocked);
     }
+}
+
+// What a process has left in the log that was killed in the midst of a commit goes, lest it be found behind
+// the commits to come.
+void Session::connectToWrite() {
+    checkLog(file_);
+    connection_.emplace(path(), Database::Mode::write);
+    if (isLogEmpty()) return;
+    Connection& opened = *connection_;
+    opened.beginWriting();
+    const LogEnd end = LogEnd::of(opened.database());
+    const bool isCut = end.cutBack(opened.database());
+    opened.rollBack();
+    if (!isCut)
+        fail(StoreError::Code::notWritable, path(), "what a killed writer has left cannot be taken away");
 }
 
 void Session::disconnect() noexcept {

@@ -25,7 +25,7 @@ class Session {
     void connectToRead();
     // False without a connection, and for one that goes on seeing what it has found.
     bool seesLog() const { return connection_ && connection_->seesLog(); }
-    void connectToWrite() { connection_.emplace(path(), Database::Mode::write); }
+    void connectToWrite();
 
     // Leaves a log as it is: what stands in it goes into the file when somebody writes, not when somebody has
     // read. An empty one goes with the connection.

@@ -26,8 +26,8 @@ class DamageTest : public testing::Test {
 
     Batch batch() {
         Batch changes;
-        for (int count = 0; count < 900; ++count) {
-            const auto offset = static_cast<std::uint32_t>(random_() % 5000);
+        for (int count = 0; count < 600; ++count) {
+            const auto offset = static_cast<std::uint32_t>(random_() % 2500);
             if (random_() % 4 == 0)
                 changes[offset].reset();
             else

@@ -202,13 +202,18 @@ class TamperTest : public TestWithParam<Tamper> {
     ~TamperTest() noexcept override = default;
 };
 
+std::set<std::string> errorCodesOf(IDataStore& store) {
+    std::set<std::string> errors;
+    for (const auto& each : data::integrity::check(store).findings)
+        if (each.severity == data::integrity::Severity::error) errors.insert(each.code);
+    return errors;
+}
+
 TEST_P(TamperTest, IsNamed) {
     Tampered tampered(GetParam());
     tampered.model.closeAll();
-    std::set<std::string> errors;
 
-    for (const auto& each : data::integrity::check(tampered.store).findings)
-        if (each.severity == data::integrity::Severity::error) errors.insert(each.code);
+    const std::set<std::string> errors = errorCodesOf(tampered.store);
 
     EXPECT_EQ(errors.count(GetParam().code), 1u) << ::testing::PrintToString(errors);
 }
@@ -349,6 +354,39 @@ TEST_P(TamperTest, FreshHandlesDoWhatTheyAreAskedAndNoMore) {
         tampered.reopen();
         expectOnlyWhatWasAsked(each, tampered);
     }
+}
+
+// Taking the locale away from a struct leaves its struct type where its value was.
+bool mayLeaveAnError(const Operation& operation) { return operation.name == "removeLocale"; }
+
+TEST(SoundStoreTest, StaysSoundWhateverIsAskedOfTheModel) {
+    const std::vector<Operation> operations = allOperations();
+    for (std::size_t first = 0; first < operations.size(); ++first)
+        for (const std::size_t step : {0u, 1u, 7u, 40u}) {
+            const Operation& a = operations[first];
+            const Operation& b = operations[(first + step) % operations.size()];
+            const bool closes = a.name.rfind("close", 0) == 0 || a.name == "tableRemove";
+            if (mayLeaveAnError(a) || mayLeaveAnError(b) || closes) continue;
+            ModelStore store;
+            {
+                Model model(store);
+                a.run(model);
+                b.run(model);
+                model.closeAll();
+            }
+            EXPECT_EQ(errorCodesOf(store), std::set<std::string>{}) << a.name << ", then " << b.name;
+        }
+}
+
+TEST(SoundStoreTest, LosesTheEndOfAStructTypeWithTheLocale) {
+    ModelStore store;
+    Model model(store);
+    write(model.primitive(model.st), std::vector<unsigned char>(40, 1));
+
+    model.primitive(model.st).setLocale(WideString());
+    model.closeAll();
+
+    EXPECT_EQ(errorCodesOf(store), std::set<std::string>{"text"});
 }
 
 INSTANTIATE_TEST_SUITE_P(Each, TamperTest, ::testing::ValuesIn(allTampers()), nameOfTamper);

@@ -51,13 +51,23 @@ void makeGroup(Bytes& record) {
     set(record, field::containerKind, static_cast<std::uint8_t>(structure::kGroup));
 }
 
-// Whatever stands behind the fixed part goes along, so that nothing is lost on the way back.
+// The common fields, room for others, and whatever stands behind the fixed part, so that nothing is lost on
+// the way back.
+Bytes between(const Bytes& record, std::size_t fixed, std::size_t newFixed) {
+    const auto begin = record.begin();
+    const auto at = [&](std::size_t position) {
+        return begin + static_cast<std::ptrdiff_t>(std::min(position, record.size()));
+    };
+    Bytes result(begin, at(kCommon));
+    result.resize(newFixed);
+    result.insert(result.end(), at(fixed), record.end());
+    return result;
+}
+
 Bytes groupOfRoot(const Bytes& root) {
-    Bytes group(root.size() - kRootFixed + kGroupFixed);
-    std::copy(root.begin(), root.begin() + kCommon, group.begin());
+    Bytes group = between(root, kRootFixed, kGroupFixed);
     makeGroup(group);
     set(group, field::containerNameSize, viewOf(root).load(field::rootNameSize));
-    std::copy(root.begin() + kRootFixed, root.end(), group.begin() + kGroupFixed);
     return group;
 }
 
@@ -66,11 +76,9 @@ Bytes rootOfGroup(const Bytes& group) {
     if (!view.isWhole(Record::Kind::container) || view.load(field::classTextSize) != 0 ||
         view.load(field::linkTargetSize) != 0)
         throw std::logic_error("the root can only have what every group has");
-    Bytes root(group.size() - kGroupFixed + kRootFixed);
-    std::copy(group.begin(), group.begin() + kCommon, root.begin());
+    Bytes root = between(group, kGroupFixed, kRootFixed);
     set(root, field::kind, static_cast<std::uint8_t>(Record::Kind::root));
     set(root, field::rootNameSize, view.load(field::containerNameSize));
-    std::copy(group.begin() + kGroupFixed, group.end(), root.begin() + kRootFixed);
     return root;
 }
 

@@ -195,6 +195,15 @@ class DamagedFiles : public ::testing::TestWithParam<std::uint32_t> {
     }
 };
 
+TEST_P(DamagedFiles, AreNamedOrReadAsTheyWere) {
+    forEachFile([](const std::string& in, const std::string&, const Damage& damage) {
+        const Report found = checkFile(in);
+        ASSERT_EQ(contentOf(in), damage.content);
+        if (!found.isSound()) return;
+        ASSERT_EQ(recordsIn(in), original().records);
+    });
+}
+
 // A file is damaged beyond what its order leads to only if it says so.
 TEST_P(DamagedFiles, ComeBackAsFarAsTheirOrderLeads) {
     forEachFile([](const std::string& in, const std::string& out, const Damage&) {

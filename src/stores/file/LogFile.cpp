@@ -49,8 +49,6 @@ void LogFile::readHead() {
     stored_ = {bigEndian(bytes.subspan(24, 4)), bigEndian(bytes.subspan(28, 4))};
     hasHead_ = (magic & ~1u) == kLogMagic && bigEndian(bytes.subspan(8, 4)) == kPageSize &&
                sumFrom({}, bytes.first(24)) == stored_;
-    // Without a head, the frames that belong together are those that say the same.
-    if (!hasHead_ && !readAt(kLogHead + 8, salts_)) salts_ = {};
 }
 
 bool LogFile::readAt(std::uint64_t position, std::span<std::byte> buffer) const {
@@ -84,6 +82,8 @@ bool LogFile::next(Frame& frame) {
     frame.position = position_ + kFrameHead;
     frame.isOfThisLog = std::equal(salts_.begin(), salts_.end(), bytes_.begin() + 8);
     frame.isSound = frame.page != 0 && sum == stored;
+    // Without a head, frames belong together that say the same.
+    if (!hasHead_) std::copy_n(bytes_.begin() + 8, salts_.size(), salts_.begin());
     stored_ = stored;
     position_ += bytes_.size();
     return true;
@@ -93,12 +93,15 @@ bool LogFile::readPage(std::uint64_t position, Page& page) const { return readAt
 
 namespace {
 
-// Whether a page is in the file as the log has it last.
+// Whether the file has all pages as the commits of a log without a head have left them.
 bool isWrittenBack(const OpenFile& file) {
     LogFile log(file.path());
     std::map<std::uint32_t, std::uint64_t> uncommitted;
     std::map<std::uint32_t, std::uint64_t> committed;
-    for (LogFile::Frame frame; log.next(frame) && frame.isOfThisLog;) {
+    for (LogFile::Frame frame; log.next(frame);) {
+        const bool isGood = frame.isOfThisLog && frame.isSound;
+        if (!isGood && !committed.empty()) break;  // Behind the log are leftovers of an older one.
+        if (!isGood) continue;
         uncommitted[frame.page] = frame.position;
         if (frame.pagesAfter == 0) continue;
         for (const auto& [page, position] : uncommitted) committed[page] = position;

@@ -166,6 +166,12 @@ std::uint64_t OpenFile::size() const {
     return static_cast<std::uint64_t>(status.st_size);
 }
 
+std::uint64_t OpenFile::nextData(std::uint64_t position) const {
+    const off_t found = ::lseek(descriptor_, static_cast<off_t>(position), SEEK_DATA);
+    if (found >= 0) return static_cast<std::uint64_t>(found);
+    return errno == ENXIO ? size() : position;
+}
+
 bool OpenFile::isStillThere() const noexcept {
     struct stat status {};
     return ::stat(path_.c_str(), &status) == 0 && status.st_dev == device_ && status.st_ino == inode_;

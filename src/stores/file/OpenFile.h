@@ -29,6 +29,8 @@ class OpenFile {
     // How many bytes were there to be read, at most as many as the buffer takes.
     std::size_t readAt(std::uint64_t position, std::span<std::byte> buffer) const;
     std::uint64_t size() const;
+    // The next position from there on that is not in a hole of the file; `size` if there is none.
+    std::uint64_t nextData(std::uint64_t position) const;
 
     // False if the path now leads to another file, or to none.
     bool isStillThere() const noexcept;

@@ -33,6 +33,14 @@ void RawFile::readLog() {
     }
 }
 
+std::uint32_t RawFile::nextStored(std::uint32_t number) const {
+    const std::uint64_t begin = std::uint64_t{number - 1} * kPageSize;
+    std::uint64_t found = begin < file_.size() ? file_.nextData(begin) / kPageSize + 1 : kMostPages;
+    if (const auto inLog = inLog_.lower_bound(number); inLog != inLog_.end())
+        found = std::min<std::uint64_t>(found, inLog->first);
+    return found <= pageCount_ ? static_cast<std::uint32_t>(found) : 0;
+}
+
 bool RawFile::read(std::uint32_t number, Page& page) const {
     if (number == 0 || number > pageCount_) return false;
     if (const auto found = inLog_.find(number); found != inLog_.end())

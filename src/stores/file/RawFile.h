@@ -3,8 +3,8 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <map>
 #include <string>
-#include <unordered_map>
 
 #include "stores/file/Layout.h"
 #include "stores/file/LogFile.h"
@@ -22,6 +22,9 @@ class RawFile {
     std::uint32_t pageCount() const { return pageCount_; }
     // False if there is no such page. A page that the file ends in is filled up with zeros.
     bool read(std::uint32_t number, Page& page) const;
+    // The next page from there on that is not in a hole of the file, 0 if there is none: a file can claim to
+    // be far larger than what it has.
+    std::uint32_t nextStored(std::uint32_t number) const;
 
   private:
     void readLog();
@@ -29,7 +32,7 @@ class RawFile {
     OpenFile file_;
     LogFile log_;
     std::uint32_t pageCount_ = 0;
-    std::unordered_map<std::uint32_t, std::uint64_t> inLog_;  // where in the log the page is
+    std::map<std::uint32_t, std::uint64_t> inLog_;  // where in the log the page is
 };
 
 }  // namespace norvane::platform::core::storage::datastore

@@ -9,6 +9,8 @@ namespace {
 constexpr std::uint64_t kMostLocal = kPageSize - 35;
 constexpr std::uint64_t kLeastLocal = (kPageSize - 12) * 32 / 255 - 23;
 constexpr std::size_t kOverflowHead = 4;
+// Sizes may be damaged: what is there decides how much room is taken.
+constexpr std::uint64_t kMostReserved = 1 << 20;
 
 // Goes through bytes, never past their end.
 class Cursor {
@@ -136,7 +138,7 @@ bool readColumn(const RawFile& file, const RawRow& row, std::size_t column, std:
     const RawRow::Column& of = row.columns[column];
     bytes.clear();
     if (row.size > std::uint64_t{file.pageCount()} * kPageSize) return false;
-    bytes.reserve(of.size);
+    bytes.reserve(std::min(of.size, kMostReserved));
     const auto take = [&](std::uint64_t begin, std::span<const std::byte> from) {
         const std::uint64_t first = std::max(begin, of.position);
         const std::uint64_t last = std::min(begin + from.size(), of.position + of.size);

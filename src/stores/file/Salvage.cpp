@@ -11,9 +11,7 @@ bool Salvage::Place::operator<(const Place& other) const {
            std::tuple(other.id, other.isStray, page, other.position);
 }
 
-Salvage::Salvage(const RawFile& file, StoreFile::Search search)
-    : file_(file), seen_(std::uint64_t{file.pageCount()} + 1) {
-    seen_[0] = true;
+Salvage::Salvage(const RawFile& file, StoreFile::Search search) : file_(file) {
     for (const std::uint32_t root : roots()) walk(root);
     if (search == StoreFile::Search::byPage) sweep();
     std::sort(records_.begin(), records_.end());
@@ -41,8 +39,8 @@ void Salvage::walk(std::uint32_t root) {
     while (!waiting.empty()) {
         const std::uint32_t number = waiting.back();
         waiting.pop_back();
-        if (number < 2 || number >= seen_.size() || seen_[number] || !file_.read(number, page)) continue;
-        seen_[number] = true;
+        if (number < 2 || seen_.contains(number) || !file_.read(number, page)) continue;
+        seen_.insert(number);
         const std::byte kind = page[headAt(number)];
         // A page whose kind is damaged may be either: wrong checksums tell what it is not.
         if (kind != kInnerPage && take(number, false)) continue;
@@ -56,8 +54,8 @@ void Salvage::walk(std::uint32_t root) {
 // does the first page, unless another one has come into its place.
 void Salvage::sweep() {
     Page page;
-    for (std::uint32_t number = 1; number <= file_.pageCount(); ++number)
-        if (!seen_[number] && file_.read(number, page) && page[0] == kLeafPage) take(number, true);
+    for (std::uint32_t number = file_.nextStored(1); number != 0; number = file_.nextStored(number + 1))
+        if (!seen_.contains(number) && file_.read(number, page) && page[0] == kLeafPage) take(number, true);
 }
 
 // True if anything was found. Where not every row that the page lists is sound, its bytes are searched for

@@ -2,6 +2,7 @@
 // asked, those in pages that nothing leads to any more. What has no right checksum is passed over.
 #pragma once
 
+#include <bitset>
 #include <cstdint>
 #include <functional>
 #include <unordered_map>
@@ -13,6 +14,20 @@
 #include "stores/file/RawRow.h"
 
 namespace norvane::platform::core::storage::datastore {
+
+// Numbers of pages. It takes room for those that it has.
+class PageSet {
+  public:
+    bool contains(std::uint32_t page) const {
+        const auto found = blocks_.find(page / kBlock);
+        return found != blocks_.end() && found->second[page % kBlock];
+    }
+    void insert(std::uint32_t page) { blocks_[page / kBlock].set(page % kBlock); }
+
+  private:
+    static constexpr std::uint32_t kBlock = 4096;
+    std::unordered_map<std::uint32_t, std::bitset<kBlock>> blocks_;
+};
 
 class Salvage {
   public:
@@ -49,7 +64,7 @@ class Salvage {
     bool assemble(std::uint32_t offset, std::uint64_t size, std::vector<std::byte>& bytes) const;
 
     const RawFile& file_;
-    std::vector<bool> seen_;  // pages
+    PageSet seen_;
     Places records_;
     Places parts_;
     std::unordered_map<std::uint32_t, LiveBits> live_;

@@ -192,6 +192,20 @@ TEST(StoreFileTest, AFileWithoutItsHeadOrItsTailGivesWhatIsLeft) {
     for (const auto& [offset, record] : left) EXPECT_EQ(record, revision.records.at(offset));
 }
 
+// It claims to be larger than any disk.
+TEST(StoreFileTest, AFileThatIsMostlyAHoleTakesNoTime) {
+    const Folder folder;
+    const Revision revision = fill(folder / "model.qvt");
+    std::error_code failed;
+    std::filesystem::resize_file(folder / "model.qvt", std::uintmax_t{10} << 40, failed);
+    if (failed) GTEST_SKIP() << "this disk takes no such file";
+
+    EXPECT_EQ(visited(folder / "model.qvt", Search::byOrder).records, revision.records);
+    EXPECT_EQ(visited(folder / "model.qvt", Search::byPage).records, revision.records);
+    EXPECT_EQ(loaded(*openReader(folder / "model.qvt"), 0), "record 0");
+    StoreFile::check(folder / "model.qvt");
+}
+
 TEST(StoreFileTest, WithoutWhatItSaysOfItselfTheEndIsTheLastRecord) {
     const Folder folder;
     const Revision revision = fill(folder / "model.qvt");

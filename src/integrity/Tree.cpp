@@ -92,14 +92,13 @@ void Tree::growFromRoot() {
     finishPhase();
 }
 
-// Heads first, so that as much as possible stays together; what is left then stands below itself.
-void Tree::growOrphans() {
-    phase_ = kOrphan;
+bool Tree::isOrphan(std::uint32_t offset) const {
+    return survey_.isEntity(offset) && phases_.get(offset) == kUnseen && offset != kRootOffset;
+}
+
+OffsetMap<std::uint8_t> Tree::listedByOrphans() {
     Record::OffsetSet isRead;
     OffsetMap<std::uint8_t> isListed(0);
-    const auto isOrphan = [&](std::uint32_t offset) {
-        return survey_.isEntity(offset) && phases_.get(offset) == kUnseen && offset != kRootOffset;
-    };
     survey_.forEachOffset([&](std::uint32_t set) {
         if (!isOrphan(set) || !survey_.isSet(set)) return;
         if (options_.takesOrphans && !survey_.isChild(set)) return;
@@ -108,17 +107,23 @@ void Tree::growOrphans() {
         for (const std::uint32_t child : valuesOf(store_, list, findings_))
             if (child != set && survey_.isChild(child)) isListed.set(child, 1);
     });
+    return isListed;
+}
+
+// Heads first, so that as much as possible stays together; what is left then stands below itself.
+void Tree::growOrphans() {
+    phase_ = kOrphan;
+    const OffsetMap<std::uint8_t> isListed = listedByOrphans();
     survey_.forEachOffset([&](std::uint32_t offset) {
         if (isOrphan(offset) && !isListed.get(offset)) growHead(offset);
     });
     settleDeferred();
     survey_.forEachOffset([&](std::uint32_t offset) {
-        if (!isOrphan(offset)) return;
-        growHead(offset);
+        if (isOrphan(offset)) growHead(offset);
         settleDeferred();
     });
     finishPhase();
-    for (Head& head : heads_)
+    for (const Head& head : heads_)
         findings_.note(code::kUnreachable, head.offset,
                        "Nothing leads to this " + kindName(survey_.kindOf(head.offset)) + ", with " +
                            number(head.below) + " below it.");

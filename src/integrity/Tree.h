@@ -72,6 +72,8 @@ class Tree {
     void growFromRoot();
     void growOrphans();
     void growHead(std::uint32_t offset);
+    bool isOrphan(std::uint32_t offset) const;
+    OffsetMap<std::uint8_t> listedByOrphans();
 
     void grow(std::uint32_t top);
     void settleDeferred();

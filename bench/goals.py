@@ -11,10 +11,11 @@ class Document:
     workload: str
     size: int
     depth: int = 10
+    own: bool = False  # as this library writes it
 
     @property
     def name(self):
-        return f"{self.workload}-{self.size}-{self.depth}"
+        return f"{self.workload}-{self.size}-{self.depth}" + ("-own" if self.own else "")
 
     @property
     def arguments(self):
@@ -72,7 +73,7 @@ class Plan:
     def size(self, meant, quick):
         return quick if self.quick else meant
 
-    def compare(self, row, what, ours, other, against, hold, aim, scale=1e9, shown="{:.0f} ns", times=1):
+    def compare(self, row, what, ours, other, against, hold, aim, scale=1e9, shown="{:,.0f} ns", times=1):
         """`ours` per unit against `other` per unit."""
         self.lines.append(Line(
             row, what, [ours, other], lambda r: per_unit(r[ours.key]) * scale, shown,
@@ -80,13 +81,13 @@ class Plan:
 
     def absolute(self, row, what, ours, hold, aim, scale, unit, value=per_unit):
         self.lines.append(Line(
-            row, what, [ours], lambda r: value(r[ours.key]) * scale, "{:.3g} " + unit,
+            row, what, [ours], lambda r: value(r[ours.key]) * scale, "{:,.4g} " + unit,
             lambda r: value(r[ours.key]) * scale, "", hold, aim, unit=unit))
 
     def growth(self, row, what, large, small, large_units, small_units, hold):
         """The cost of a unit at a large size against that at a small one."""
         self.lines.append(Line(
-            row, what, [large, small], lambda r: per_unit(r[large.key]) / large_units * 1e9, "{:.0f} ns",
+            row, what, [large, small], lambda r: per_unit(r[large.key]) / large_units * 1e9, "{:,.0f} ns",
             lambda r: per_unit(r[large.key]) / large_units / (per_unit(r[small.key]) / small_units),
             "smaller one", hold, None))
 
@@ -133,6 +134,7 @@ class Plan:
             self.import_lines(3, f"import a group of {width:,}, a child", wide[width], 2.5, 1.7, width)
         self.growth(3, f"a child of {widths[2]:,} against {widths[1]:,}", Measurement("import", "import", wide[widths[2]]),
                     Measurement("import", "import", wide[widths[1]]), widths[2], widths[1], 1.2)
+        self.own_output(Document("wide", self.size(100_000, 2_000)))
         levels = self.size(100_000, 2_000)
         shallow, deep = Document("deep", levels, 10), Document("deep", levels, levels // 10)
         self.import_lines(4, "import deep, depth 10, a level", shallow, 2.8, 1.9, levels)
@@ -145,6 +147,13 @@ class Plan:
         for what, document in (("props", large), ("arrays", arrays), (f"wide {widths[2]:,}", wide[widths[2]]),
                                (f"deep {deep.depth:,}", deep), ("classes", classes)):
             self.peers_of_import(what, document)
+
+    def own_output(self, document):
+        """What is written here says class="" wherever there is none, and is a quarter longer for it."""
+        own = Measurement("import", "import", dataclasses.replace(document, own=True))
+        plain = Measurement("import", "import", document)
+        self.compare(3, f"import a group of {document.size:,} as written here, a child", own, plain, "one without class=\"\"",
+                     1.3, 1.1, scale=1e9 / document.size)
 
     def small_stack(self, document):
         ours = Measurement("import", "small-stack", document)
@@ -178,10 +187,11 @@ class Plan:
             9, "write props as text", [write, save],
             lambda r: r[write.key]["text"] / per_unit(r[write.key]) / 1e6, "{:.0f} MB/s",
             lambda r: per_unit(r[write.key]) / per_unit(r[save.key]), "pugixml's save", 2.3, 1.5))
-        arrays = Document("arrays", self.size(1_000_000, 20_000))
-        numbers, bare = Measurement("access", "write", arrays), Measurement("plain", "to-chars")
-        self.compare(10, "write arrays, a number", numbers, bare, "a bare to_chars", 1.2, 0.6,
-                     scale=1e9 / arrays.size, times=arrays.size)
+        array = Document("array", self.size(1_000_000, 10_000))
+        numbers = Measurement("access", "write", array)
+        bare = Measurement("plain", "to-chars", more=(("size", array.size),))
+        self.compare(10, "write arrays, a number", numbers, bare, "a bare to_chars", 1.2, 0.6, scale=1e9 / array.size,
+                     times=array.size)
         build = Measurement("change", "build", props, built=True)
         tree = Measurement("pugixml", "build", props, built=True)
         self.compare(11, "build through the interface, a value", build, tree, "pugixml", 1.9, 1.2)
@@ -198,9 +208,21 @@ class Plan:
                 12, f"peak memory of an import, {what}", [ours], lambda r, ours=ours: r[ours.key]["bytes"] / 1e6, "{:.1f} MB",
                 lambda r, ours=ours, over=over: r[ours.key]["bytes"] / r[ours.key][over],
                 {"records": "bytes of records", "payload": "bytes of values"}[over], hold, aim))
-            self.peer(f"peak memory, {what}", "MB", "bytes", ours=ours,
+            self.peer(f"peak memory of an import, {what}", "MB", lambda fields: fields["bytes"] / 1e6, ours=ours,
                       libxml2_tree=Measurement("libxml2", "memory", document),
                       pugixml=Measurement("pugixml", "memory", document))
+        self.memory_of_units(props)
+
+    def memory_of_units(self, props):
+        def a_value(fields):
+            return fields["bytes"] / fields["units"]
+
+        self.peer("memory of a value, props", "bytes", a_value, ours=Measurement("import", "memory", props),
+                  pugixml=Measurement("pugixml", "memory", props))
+        nodes = self.size(10_000, 1_000)
+        self.peer("memory of a member: inherited here, written out there", "bytes", a_value,
+                  ours=Measurement("import", "memory", Document("classes", nodes)),
+                  pugixml=Measurement("pugixml", "memory", Document("copies", nodes)))
 
     def arrays(self):
         size = (("size", self.size(1_000_000, 10_000)),)
@@ -268,3 +290,11 @@ class Plan:
                 lambda r, several=several: r[several.key]["rate"] / 1e6, "{:.2f} M/s",
                 lambda r, several=several, one=one: r[several.key]["rate"] / r[one.key]["rate"], "one thread", hold, aim,
                 rises=True))
+            if many == 2:
+                # Threads that never wait are as fast as the processors are many; then what they cost one another shows
+                # in the CPU time of a unit, also where other programs run.
+                self.lines.append(Line(
+                    19, "the same in CPU time", [several, one],
+                    lambda r, several=several: r[several.key]["cpu"] * 1e9, "{:.0f} ns",
+                    lambda r, several=several, one=one: r[several.key]["cpu"] / r[one.key]["cpu"], "one thread",
+                    round(2 / hold, 2), round(2 / aim, 2)))

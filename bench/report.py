@@ -45,7 +45,7 @@ def peer_cell(fields, unit, scale, floor):
         return ""
     if unit == "expat":
         return f"{fields['seconds'] / fields['units'] / floor:.2f}"
-    value = fields[scale] / 1e6 if isinstance(scale, str) else fields["seconds"] / fields["units"] * scale
+    value = scale(fields) if callable(scale) else fields["seconds"] / fields["units"] * scale
     return f"{value:,.0f}"
 
 

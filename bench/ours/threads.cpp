@@ -27,10 +27,12 @@ void onThreads(const Arguments& arguments, Result& result, Work work) {
         });
     while (waiting != 0) std::this_thread::yield();
     const double start = wallSeconds();
+    const double cpuStart = cpuSeconds();
     std::this_thread::sleep_for(std::chrono::duration<double>(arguments.duration()));
     isOver = true;
     for (std::thread& thread : threads) thread.join();
     const double seconds = wallSeconds() - start;
+    result.set("cpu", (cpuSeconds() - cpuStart) / static_cast<double>(done));
     result.set("seconds", seconds);
     result.set("units", done.load());
     result.set("rate", static_cast<double>(done) / seconds);

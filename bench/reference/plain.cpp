@@ -6,10 +6,10 @@
 #include <charconv>
 #include <cstring>
 #include <iterator>
-#include <sstream>
 #include <vector>
 
 #include "harness/Harness.h"
+#include "workload/Workload.h"
 
 namespace {
 
@@ -26,16 +26,10 @@ void copy(const Arguments& arguments, Result& result) {
     });
 }
 
-std::vector<double> someNumbers(std::uint64_t count) {
-    bench::Random random(count);
-    std::vector<double> numbers(count);
-    for (double& number : numbers) number = static_cast<double>(random.below(10'000'000)) / 1000;
-    return numbers;
-}
-
-// The bare conversion, into one buffer again and again.
+// The numbers of the workload `array`, into one buffer again and again.
 void toChars(const Arguments& arguments, Result& result) {
-    const auto numbers = someNumbers(arguments.number("size", 100'000));
+    const bench::Recording recording({"array", arguments.number("size", 100'000), 1});
+    const auto& numbers = recording.values();
     char text[64];
     bench::repeat(arguments, result, [&]() -> std::uint64_t {
         for (const double number : numbers) {

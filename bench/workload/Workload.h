@@ -63,6 +63,8 @@ class Recording final : public Sink {
     void text(const Name& name, const Name& text) override;
 
     void replay(Sink& sink) const;
+    // All numbers, in order.
+    const std::vector<double>& values() const { return values_; }
 
   private:
     struct Event {

@@ -54,7 +54,9 @@ TEST_F(DamagedLogTest, CommitsBehindADamagedPlaceAreNotPassedOver) {
 
     EXPECT_EQ(codeOfFailure([&] { openReader(path_); }), Code::damaged);
     EXPECT_EQ(codeOfFailure([&] { openWriter(path_); }), Code::damaged);
-    EXPECT_EQ(StoreFile::check(path_).front().code, "structure");
+    const auto problems = StoreFile::check(path_);
+    ASSERT_EQ(problems.size(), 1u);
+    EXPECT_EQ(problems.front().code, "structure");
     EXPECT_EQ(contentOf(path_ + "-wal"), log);
 }
 

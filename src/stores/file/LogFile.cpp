@@ -131,12 +131,10 @@ bool hasCommitsBehindGap(LogFile& log) {
 
 }  // namespace
 
-void checkLog(const OpenFile& file) {
+// A log that begins anew gets a new head first; what stands behind it was written back before.
+bool isLogSound(const OpenFile& file) {
     LogFile log(file.path());
-    if (!hasCommitsBehindGap(log)) return;
-    // A log that begins anew gets a new head first; what stands behind it was written back before.
-    if (!log.hasHead() && isWrittenBack(file)) return;
-    failDamaged(file.path(), "the log is damaged, and commits stand behind that", IDataStore::BADOFF);
+    return !hasCommitsBehindGap(log) || (!log.hasHead() && isWrittenBack(file));
 }
 
 }  // namespace norvane::platform::core::storage::datastore

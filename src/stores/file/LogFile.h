@@ -55,8 +55,8 @@ class LogFile {
     std::vector<std::byte> bytes_;
 };
 
-// Throws `damaged` if commits stand in the log behind a place that is damaged: they were acknowledged, and
-// SQLite would pass them over. A log that ends in one commit that is not whole is what a crash leaves.
-void checkLog(const OpenFile& file);
+// False if commits stand in the log behind a place that is damaged: they were acknowledged, and SQLite would
+// pass them over. A log that ends in one commit that is not whole is what a crash leaves.
+bool isLogSound(const OpenFile& file);
 
 }  // namespace norvane::platform::core::storage::datastore

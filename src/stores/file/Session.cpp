@@ -11,9 +11,15 @@ Session::Session(const std::string& path, OpenFile::Purpose purpose) : file_(pat
     checkIdentity(file_);
 }
 
-// As long as there is a writer, the log goes through its hands.
+void Session::checkLog() const {
+    if (!isLogSound(file_))
+        failDamaged(path(), "the log is damaged, and commits stand behind that", IDataStore::BADOFF);
+}
+
+// As long as there is a writer, the log goes through its hands. One that comes while the log is looked at
+// makes it look strange.
 void Session::connectToRead() {
-    if (!file_.hasWriter()) checkLog(file_);
+    if (!file_.hasWriter() && !isLogSound(file_) && !file_.hasWriter()) checkLog();
     try {
         connection_.emplace(path(), Database::Mode::read);
     } catch (const StoreError& error) {
@@ -26,7 +32,7 @@ void Session::connectToRead() {
 // What a process has left in the log that was killed in the midst of a commit goes, lest it be found behind
 // the commits to come.
 void Session::connectToWrite() {
-    checkLog(file_);
+    checkLog();
     connection_.emplace(path(), Database::Mode::write);
     if (isLogEmpty()) return;
     Connection& opened = *connection_;

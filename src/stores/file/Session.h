@@ -36,6 +36,7 @@ class Session {
     void finish() noexcept;
 
   private:
+    void checkLog() const;
     bool isLogEmpty() const noexcept;
 
     // The file stays known here until SQLite has closed it.

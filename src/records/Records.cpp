@@ -267,8 +267,9 @@ void storeBytes(IDataStore* store, std::uint32_t offset, std::uint64_t position,
 void addToOpenCount(IDataStore* store, std::uint32_t offset, std::uint32_t change) {
     std::uint32_t size = 0;
     if (const void* bytes = offset == IDataStore::BADOFF ? nullptr : store->view(offset, size)) {
-        const std::uint32_t count = View(bytes, size).load(field::openCount) + change;
-        storeField(store, offset, field::openCount, count, false);
+        const View record(bytes, size);
+        if (!isEntity(record.kind())) return;
+        storeField(store, offset, field::openCount, record.load(field::openCount) + change, false);
         return;
     }
     Base record(store, offset);

@@ -1,9 +1,13 @@
 // A store in a file keeps the promises of all stores, also when it is closed and opened anew all the time.
-#include "norvane/platform/core/storage/datastore/FileDataStore.h"
-
 #include <optional>
 
 #include "contract/StoreContract.h"
+#include "norvane/platform/core/storage/datastore/FileDataStore.h"
+#include "norvane/platform/data/integrity/Integrity.h"
+#include "norvane/platform/data/metadata/IPrimitive.h"
+#include "norvane/platform/data/metadata/ITable.h"
+#include "norvane/platform/data/metadata/tDataType.h"
+#include "norvane/platform/data/structure/IContainerFrontEnd.h"
 #include "support/Folder.h"
 
 namespace norvane::platform::test {
@@ -92,12 +96,17 @@ TEST_F(FileStoreTest, DestructorDropsWhatIsUncommitted) {
 }
 
 TEST_F(FileStoreTest, OpenCountsAreZeroAfterOpening) {
-    append(std::string_view("\x04" "....\x07\0\0\0....", 13));
+    append(
+        std::string_view("\x04"
+                         "....\x07\0\0\0....",
+                         13));
     store().commit();
 
     reopen();
 
-    EXPECT_EQ(bytes(0), std::string("\x04" "....\0\0\0\0....", 13));
+    EXPECT_EQ(bytes(0), std::string("\x04"
+                                    "....\0\0\0\0....",
+                                    13));
 }
 
 TEST_F(FileStoreTest, TransactionHoldsUntilItIsCommitted) {
@@ -126,6 +135,40 @@ TEST_F(FileStoreTest, TransactionThatIsNotCommittedIsRolledBack) {
     EXPECT_EQ(store().size(), 1u);
     EXPECT_FALSE(store().hasChanges());
     const FileDataStore::Transaction another(store());
+}
+
+TEST_F(FileStoreTest, TransactionIsNotTornByACompaction) {
+    FileDataStore::Transaction transaction(store());
+    append("within");
+
+    EXPECT_EQ(codeOf([&] { store().compact(); }), Code::wrongState);
+    EXPECT_EQ(store().revision(), 0u);
+}
+
+// Handles that a rollback has outdated are dropped only when others stand in their place.
+TEST_F(FileStoreTest, HandlesFromBeforeARollbackDoNoHarm) {
+    using data::structure::IContainerFrontEnd;
+    auto old = IContainerFrontEnd::toplevel(&store(), u"old");
+    old->setLocalised(u"en", u"old name");
+    std::vector<core::memory::SharedPtr<data::metadata::IPrimitive>> primitives;
+    for (const char16_t* name : {u"a", u"b", u"c", u"d"})
+        primitives.push_back(old->makePrimitive(name, data::metadata::kDouble));
+    store().rollback();
+    auto fresh = IContainerFrontEnd::toplevel(&store(), u"fresh");
+    for (const char16_t* name : {u"t", u"u", u"v"})
+        fresh->makeTable(name, nullptr)->makeTable(u"inner", nullptr);
+
+    primitives.clear();
+    old.reset();
+    fresh.reset();
+    store().close();
+
+    reopen();
+    EXPECT_TRUE(data::integrity::check(store()).isSound());
+    fresh = IContainerFrontEnd::find(&store(), u"fresh");
+    ASSERT_TRUE(fresh);
+    EXPECT_EQ(fresh->localisedCount(), 0u);
+    for (const char16_t* inner : {u"t.inner", u"u.inner", u"v.inner"}) EXPECT_TRUE(fresh->contains(inner));
 }
 
 TEST_F(FileStoreTest, ReadersSeeWholeRevisionsWhileAWriterCommits) {

@@ -136,8 +136,7 @@ FileDataStore::Transaction::~Transaction() noexcept {
 
 void FileDataStore::Transaction::commit() {
     if (!store_) return;
-    store_->commit();
-    store_->contents_->overlay.endTransaction();
+    store_->contents_->overlay.commitTransaction();
     store_ = nullptr;
 }
 

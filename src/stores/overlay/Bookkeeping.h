@@ -31,9 +31,11 @@ inline std::uint32_t wordAt(const Block& block, std::uint32_t position) noexcept
     return word;
 }
 
-inline bool isOpen(const Block& block) noexcept {
-    return hasOpenCount(block) && wordAt(block, kCountBegin) != 0;
+inline std::uint32_t openCountOf(const Block& block) noexcept {
+    return hasOpenCount(block) ? wordAt(block, kCountBegin) : 0;
 }
+
+inline bool isOpen(const Block& block) noexcept { return openCountOf(block) != 0; }
 
 inline void setOpenCount(const Block& block, std::uint32_t count) noexcept {
     if (hasOpenCount(block)) std::memcpy(block.bytes + kCountBegin, &count, sizeof count);

@@ -71,7 +71,7 @@ Slot& Overlay::at(std::uint32_t offset) {
 }
 
 Slot* Overlay::fetch(std::uint32_t offset) {
-    if (isClosed_) fail(StoreError::Code::closed, "the store is closed");
+    checkOpen();
     evictIfFull();
     Slot& slot = slots_.at(offset);
     prepareRing();
@@ -112,8 +112,12 @@ const void* Overlay::view(std::uint32_t offset, std::uint32_t& size) {
 
 // ---- Changing
 
-void Overlay::checkWritable() const {
+void Overlay::checkOpen() const {
     if (isClosed_) fail(StoreError::Code::closed, "the store is closed");
+}
+
+void Overlay::checkWritable() const {
+    checkOpen();
     if (options_.isReadOnly) fail(StoreError::Code::readOnly, "the store is open for reading only");
 }
 
@@ -131,6 +135,7 @@ void Overlay::prepareChange() {
 void Overlay::changed(std::uint32_t offset, Slot& slot, bool flag) noexcept {
     ++epoch_;
     changeStamp_ += flag ? 1 : 0;
+    changedInScope_ = true;
     if (!slot.isGhost)
         markDirty(offset, slot);
     else if (!isOpen(slot.block))
@@ -172,6 +177,7 @@ void Overlay::setVersion(std::uint32_t version) {
         prepareChange();
         if (isUndoable()) undo_.add({UndoEntry::Kind::version, false, 0, version_, {}});
         version_ = version;
+        changedInScope_ = true;
         ++epoch_;
     });
 }
@@ -180,8 +186,10 @@ std::uint32_t Overlay::append(const void* buffer, std::uint32_t size) {
     return noting([&] {
         checkWritable();
         checkSize(size);
-        if (next_ >= IDataStore::BADOFF) throw std::length_error("the store has given out all offsets");
-        const auto offset = static_cast<std::uint32_t>(next_);
+        // The first record of a store has offset 0, whatever was there before and was taken back.
+        const std::uint64_t free = next_ == 0 ? 0 : std::max(next_, firstFree_);
+        if (free >= IDataStore::BADOFF) throw std::length_error("the store has given out all offsets");
+        const auto offset = static_cast<std::uint32_t>(free);
         Slot& slot = slots_.at(offset);
         prepareChange();
         const Block block = pool_.take(size);
@@ -190,7 +198,8 @@ std::uint32_t Overlay::append(const void* buffer, std::uint32_t size) {
         if (isUndoable()) undo_.add({UndoEntry::Kind::appended, false, offset, 0, {}});
         slot.scope = scope_;
         slot.isStored = false;
-        ++next_;
+        slot.isHeld = false;
+        next_ = free + 1;
         ++recordCount_;
         changed(offset, slot, true);
         return offset;

@@ -61,8 +61,9 @@ class Overlay {
     bool refresh();
     // Commits; from then on only what is in memory can be looked at, and only open counts change.
     void close();
-    // Within a transaction, nothing but `commit` commits. Throws `wrongState` for a second one.
+    // Commits what there is. Until the end nothing else commits. Throws `wrongState` for a second one.
     void beginTransaction();
+    void commitTransaction();
     void endTransaction() noexcept { inTransaction_ = false; }
     // Keeps the exception that is being handled, if it is the first: nothing is committed until a rollback.
     void noteFailure() noexcept;
@@ -96,6 +97,7 @@ class Overlay {
     Slot* fetch(std::uint32_t offset);
 
     // Changing. A change prepares all that can fail, and then does what cannot.
+    void checkOpen() const;
     void checkWritable() const;
     void checkSize(std::uint64_t size) const;
     void prepareChange();
@@ -133,6 +135,7 @@ class Overlay {
     void restore(Fetched& restored) noexcept;
     void forgetChanges() noexcept;
     void forgetOpened() noexcept;
+    void burn(std::uint32_t offset) noexcept;
 
     // Memory.
     void evictIfFull() noexcept;
@@ -152,6 +155,7 @@ class Overlay {
     StoreMeta committed_;
     std::uint32_t version_ = 0;
     std::uint64_t next_ = 0;
+    std::uint64_t firstFree_ = 0;  // offsets below it, save for 0, are not given out again
     std::uint64_t recordCount_ = 0;
     std::uint64_t changeStamp_ = 1;
 
@@ -169,6 +173,7 @@ class Overlay {
     std::uint32_t transaction_ = 1;  // the number of the one under way, declared or not
     std::exception_ptr failure_;
     bool failedInScope_ = false;
+    bool changedInScope_ = false;
     bool inTransaction_ = false;
     bool isClosed_ = false;
     std::chrono::steady_clock::time_point lastCommit_;

@@ -47,7 +47,10 @@ IDataStore::Guard* Overlay::lock() { return new Guard(*this); }
 
 // ---- Undoing
 
-void Overlay::beginScope() noexcept { ++scope_; }
+void Overlay::beginScope() noexcept {
+    ++scope_;
+    changedInScope_ = false;
+}
 
 void Overlay::endScope(bool isFailing) {
     if (isFailing) {
@@ -59,7 +62,8 @@ void Overlay::endScope(bool isFailing) {
     }
     undo_.clear();
     failedInScope_ = false;
-    if (options_.commitsAtRelease) commitIfDue();
+    // What only closes a handle does not pay for a commit that has failed before.
+    if (options_.commitsAtRelease && changedInScope_) commitIfDue();
 }
 
 void Overlay::undo() noexcept {
@@ -86,7 +90,7 @@ void Overlay::undo(UndoEntry entry) noexcept {
             ++recordCount_;
             break;
         case UndoEntry::Kind::replaced:
-            if (hasOpenCount(slot.block)) setOpenCount(entry.block, wordAt(slot.block, kCountBegin));
+            if (hasOpenCount(slot.block)) setOpenCount(entry.block, openCountOf(slot.block));
             dropBytes(slot);
             makePresent(entry.offset, slot, entry.block);
             break;
@@ -108,7 +112,7 @@ void Overlay::undo(UndoEntry entry) noexcept {
 
 // All but the open count.
 void Overlay::putBack(Block& block, UndoEntry& entry) noexcept {
-    const std::uint32_t count = hasOpenCount(block) ? wordAt(block, kCountBegin) : 0;
+    const std::uint32_t count = openCountOf(block);
     std::memcpy(block.bytes + entry.number, entry.block.bytes, entry.block.size);
     setOpenCount(block, count);
     pool_.release(entry.block);
@@ -137,7 +141,9 @@ void Overlay::dropGhost(Slot& slot) noexcept {
 void Overlay::lowerEnd() noexcept {
     while (next_ > committed_.next) {
         const Slot* last = slots_.find(static_cast<std::uint32_t>(next_ - 1));
-        if (!last || !last->isUndone) return;
+        const bool isNobodys =
+            next_ > firstFree_ ? last && last->isUndone : !last || last->presence != Presence::present;
+        if (!isNobodys) return;
         --next_;
     }
 }
@@ -160,9 +166,18 @@ void Overlay::flush() {
 
 void Overlay::commit() {
     const std::lock_guard lock(mutex_);
-    if (isClosed_) fail(StoreError::Code::closed, "the store is closed");
+    checkOpen();
+    throwFailure();
+    if (inTransaction_) fail(StoreError::Code::wrongState, "a transaction is under way");
+    commitChanges();
+}
+
+void Overlay::commitTransaction() {
+    const std::lock_guard lock(mutex_);
+    checkOpen();
     throwFailure();
     commitChanges();
+    inTransaction_ = false;
 }
 
 void Overlay::commitIfDue() {
@@ -189,7 +204,7 @@ void Overlay::commitChanges() {
     }
     const StoreMeta meta{version_, next_, recordCount_, committed_.revision + 1};
     backend_.commit(changes, meta);
-    becomeCommitted(meta);
+    becomeCommitted(backend_.meta());
 }
 
 // Everything here is in the backend now, and cannot be undone any more.
@@ -215,7 +230,10 @@ void Overlay::becomeCommitted(const StoreMeta& meta) noexcept {
 
 void Overlay::rollback() {
     const std::lock_guard lock(mutex_);
-    if (isClosed_) fail(StoreError::Code::closed, "the store is closed");
+    checkOpen();
+    // A commit that has seemed to fail can have been made, as one can never be quite sure.
+    if (!options_.isReadOnly && (backend_.refresh() || backend_.meta() != committed_))
+        fail(StoreError::Code::fenced, "the file has another revision: open it anew");
     std::vector<Fetched> restored;
     keepSatellites(true);
     try {
@@ -259,7 +277,7 @@ void Overlay::fetchCommitted(std::vector<Fetched>& restored) {
 void Overlay::restore(Fetched& restored) noexcept {
     Slot& slot = *slots_.find(restored.offset());
     const bool isPresent = slot.presence == Presence::present;
-    const std::uint32_t count = isPresent && hasOpenCount(slot.block) ? wordAt(slot.block, kCountBegin) : 0;
+    const std::uint32_t count = isPresent ? openCountOf(slot.block) : 0;
     if (isPresent) dropBytes(slot);
     makePresent(restored.offset(), slot, restored.keep());
     setOpenCount(slot.block, count);
@@ -275,6 +293,7 @@ void Overlay::forgetChanges() noexcept {
         if (!slot.isDirty) continue;
         clearDirty(slot);
         if (!slot.isStored) {
+            if (isOpen(slot.block)) burn(offset);
             dropGhost(slot);
             continue;
         }
@@ -299,19 +318,29 @@ void Overlay::forgetOpened() noexcept {
     for (const std::uint32_t offset : ring_) {
         Slot& slot = *slots_.find(offset);
         if (slot.presence != Presence::present) continue;
-        if (slot.isGhost)
+        if (slot.isGhost) {
+            burn(offset);
             dropGhost(slot);
-        else if (slot.countedIn == transaction_ && isOpen(slot.block))
-            setOpenCount(slot.block, std::min(slot.countBefore, wordAt(slot.block, kCountBegin)));
+        } else if (slot.countedIn == transaction_ && slot.countBefore < openCountOf(slot.block)) {
+            setOpenCount(slot.block, slot.countBefore);
+            slot.isHeld = true;
+        }
     }
     ++transaction_;
     lowerEnd();
 }
 
+// Who may still have a handle on a record that was taken back must not close another one with it.
+void Overlay::burn(std::uint32_t offset) noexcept {
+    firstFree_ = std::max(firstFree_, offset + std::uint64_t{1});
+}
+
 void Overlay::beginTransaction() {
     const std::lock_guard lock(mutex_);
-    if (isClosed_) fail(StoreError::Code::closed, "the store is closed");
+    checkOpen();
     if (inTransaction_) fail(StoreError::Code::wrongState, "there is a transaction already");
+    throwFailure();
+    commitChanges();
     inTransaction_ = true;
     ++transaction_;
 }
@@ -319,7 +348,7 @@ void Overlay::beginTransaction() {
 void Overlay::close() {
     const std::lock_guard lock(mutex_);
     if (isClosed_) return;
-    throwFailure();
+    if (!options_.isReadOnly) throwFailure();
     if (inTransaction_) fail(StoreError::Code::wrongState, "a transaction is under way");
     commitChanges();
     isClosed_ = true;
@@ -327,7 +356,7 @@ void Overlay::close() {
 
 bool Overlay::refresh() {
     const std::lock_guard lock(mutex_);
-    if (isClosed_) fail(StoreError::Code::closed, "the store is closed");
+    checkOpen();
     if (!options_.isReadOnly) fail(StoreError::Code::wrongState, "a store for writing is always up to date");
     if (anyOpen()) fail(StoreError::Code::wrongState, "entities are open");
     if (!backend_.refresh()) return false;

@@ -22,7 +22,7 @@ void Overlay::evictIfFull() noexcept {
     for (int round = 0; round < 2 && residentBytes_ > goal; ++round) viewedBytes = sweep(goal);
     keepSatellites(false);
     slots_.dropUnknown();
-    evictAbove_ = std::max(options_.memoryLimit, residentBytes_ + options_.memoryLimit / kStep);
+    evictAbove_ = residentBytes_ + std::max(options_.memoryLimit, residentBytes_) / kStep;
     if (residentBytes_ > goal && viewedBytes > options_.memoryLimit / 2) viewsEndAt_ = epoch_;
 }
 
@@ -52,7 +52,7 @@ std::uint64_t Overlay::sweep(std::uint64_t goal) noexcept {
 
 bool Overlay::mayGo(const Slot& slot) noexcept {
     return slot.presence == Presence::present && !slot.isDirty && !slot.isGhost && !slot.isKept &&
-           !isOpen(slot.block);
+           !slot.isHeld && !isOpen(slot.block);
 }
 
 void Overlay::evict(Slot& slot) noexcept {
@@ -63,7 +63,7 @@ void Overlay::evict(Slot& slot) noexcept {
 void Overlay::keepSatellites(bool isKept) noexcept {
     for (const std::uint32_t offset : ring_) {
         const Slot& slot = *slots_.find(offset);
-        if (slot.presence != Presence::present || !isOpen(slot.block)) continue;
+        if (slot.presence != Presence::present || !(slot.isHeld || isOpen(slot.block))) continue;
         forEachSatellite(slot.block, [&](std::uint32_t satellite) {
             if (Slot* kept = slots_.find(satellite)) kept->isKept = isKept;
         });

@@ -35,6 +35,7 @@ struct Slot {
     bool isKept : 1 = false;    // belongs to an open entity; set only while eviction runs
     bool isGhost : 1 = false;   // was taken back, but is open: it goes when it is closed
     bool isUndone : 1 = false;  // absent because it was taken back, so that its offset is free again
+    bool isHeld : 1 = false;    // a rollback has forgotten handles on it, which are still to be closed
 };
 
 // Slots come into being when they are first asked for, in pages, so that a store of many records costs

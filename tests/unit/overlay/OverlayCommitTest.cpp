@@ -320,10 +320,93 @@ TEST_F(OverlayCommitTest, TransactionKeepsFlushFromCommitting) {
     EXPECT_EQ(codeOf([&] { overlay.beginTransaction(); }), Code::wrongState);
     EXPECT_EQ(codeOf([&] { overlay.close(); }), Code::wrongState);
 
-    overlay.commit();
-    overlay.endTransaction();
+    EXPECT_EQ(codeOf([&] { overlay.commit(); }), Code::wrongState);
+    EXPECT_EQ(backend.commits(), 0u);
+
+    overlay.commitTransaction();
 
     EXPECT_EQ(backend.commits(), 1u);
+}
+
+TEST_F(OverlayCommitTest, TransactionLeavesAloneWhatWasThereBefore) {
+    append("before");
+    overlay.beginTransaction();
+    append("within");
+
+    overlay.rollback();
+
+    EXPECT_EQ(bytes(0), "before");
+    EXPECT_EQ(backend.records().size(), 1u);
+}
+
+// A handle that was on it may close what it finds there.
+TEST_F(OverlayCommitTest, OffsetThatWasOpenAtARollbackIsNotGivenAgain) {
+    append("root");
+    append(entity(0));
+    append(entity(0));
+    write(1, entity(1), false);
+
+    overlay.rollback();
+
+    EXPECT_EQ(store.size(), 0u);
+    EXPECT_EQ(append("root"), 0u);
+    EXPECT_EQ(append("next"), 2u);
+    overlay.commit();
+    EXPECT_EQ(store.recordSize(1), 0u);
+    EXPECT_EQ(backend.meta().next, 3u);
+}
+
+TEST_F(OverlayCommitTest, StoreIsEmptyAfterASecondRollbackToo) {
+    append(entity(0));
+    append(entity(0));
+    write(1, entity(1), false);
+    overlay.rollback();
+    append("root");
+    append("next");
+    store.recordSize(1);
+
+    overlay.rollback();
+
+    EXPECT_EQ(store.size(), 0u);
+}
+
+// Its destruction must not meet a failing disk.
+TEST_F(OverlayCommitTest, EntityWhoseHandlesWereForgottenStaysInMemory) {
+    OverlayOptions options;
+    options.memoryLimit = 10;
+    OverlayStore cramped(backend, options);
+    for (int index = 0; index < 3; ++index) cramped.append(entity(0).data(), sizeOf(entity(0)));
+    cramped.overlay.commit();
+    cramped.write(0, entity(1).data(), sizeOf(entity(1)), false);
+    cramped.overlay.rollback();
+    bytesOf(cramped, 1);
+    bytesOf(cramped, 2);
+    backend.failAll();
+
+    EXPECT_EQ(bytesOf(cramped, 0), entity(0));
+}
+
+TEST_F(OverlayCommitTest, RollbackToAnotherRevisionIsRefused) {
+    append("record");
+    overlay.commit();
+    write(0, "changed");
+    backend.put(1, "somebody else's");
+
+    EXPECT_EQ(codeOf([&] { overlay.rollback(); }), Code::fenced);
+}
+
+TEST_F(OverlayCommitTest, ReleaseThatChangesNothingDoesNotTryAFailedCommitAgain) {
+    OverlayOptions options;
+    options.commitsAtRelease = true;
+    OverlayStore eager(backend, options);
+    backend.failAll();
+    const auto appendUnderGuard = [&] {
+        const Held guard(eager);
+        eager.append("record", 6);
+    };
+    EXPECT_EQ(codeOf(appendUnderGuard), Code::diskFull);
+
+    EXPECT_NO_THROW(const Held guard(eager));
 }
 
 TEST_F(OverlayCommitTest, FlushTellsOfFailuresWithinATransactionToo) {
@@ -371,6 +454,7 @@ TEST_F(OverlayCommitTest, PolicyThatCannotCommitTellsAtTheRelease) {
     // The guard is free, and nothing is lost.
     backend.calm();
     std::thread([&] { const Held guard(eager); }).join();
+    eager.overlay.commit();
     EXPECT_EQ(backend.records().at(0), "record");
 }
 

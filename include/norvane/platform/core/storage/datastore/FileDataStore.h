@@ -60,8 +60,12 @@ class QVT_FILE_API FileDataStore : public IDataStore {
         always      ///< Makes it; it is an error if it is there.
     };
     enum class CommitPolicy : std::uint8_t {
-        onRequest,   ///< At `commit`, `flush` and `close` only.
-        atRelease,   ///< Also whenever the outermost guard is released without an exception.
+        onRequest,  ///< At `commit`, `flush` and `close` only.
+        /// Also when the outermost guard is released without an exception and something was changed under it.
+        /// Where that commit fails, the release throws, though the operation is done: its changes stay and
+        /// are to be committed. The same for a handle that brings display names into the store as it goes; do
+        /// not keep such handles where a destructor must not throw, as in a `std::vector`.
+        atRelease,
         atInterval,  ///< The same, if `commitInterval` has passed since the last commit.
     };
 
@@ -90,11 +94,12 @@ class QVT_FILE_API FileDataStore : public IDataStore {
     };
 
     /// Changes that come into the file together or not at all, however often `flush` is called and whatever
-    /// the policy says. What was uncommitted before it began goes into the same commit. One at a time. It is
-    /// used under the same rules as the store, which it must not outlive.
+    /// the policy says. One at a time. It is used under the same rules as the store, which it must not
+    /// outlive.
     class QVT_FILE_API Transaction {
       public:
-        /// Begins. Throws `wrongState` if there is one already.
+        /// Commits what is uncommitted, and begins. Throws `wrongState` if there is one already, and what
+        /// `commit` throws.
         explicit Transaction(FileDataStore& store);
         Transaction(const Transaction&) = delete;
         Transaction& operator=(const Transaction&) = delete;
@@ -128,7 +133,7 @@ class QVT_FILE_API FileDataStore : public IDataStore {
     std::uint32_t version() override;
     void setVersion(std::uint32_t version) override;
     /// One more than the highest offset given out so far, so that all records are found between 0 and this.
-    /// Offsets that a rollback or an undo has taken back are given out again.
+    /// Offsets that a rollback or an undo has taken back are given out again, unless they were open.
     std::uint64_t size() override;
     std::uint32_t append(const void* buffer, std::uint32_t size) override;
     void extend(std::uint32_t offset, const void* buffer, std::uint32_t size) override;
@@ -144,19 +149,21 @@ class QVT_FILE_API FileDataStore : public IDataStore {
     std::uint32_t recordLimit() override;
     std::uint64_t changeStamp() override;
 
-    /// Writes all changes to the file as its next revision; nothing happens if there are none.
+    /// Writes all changes to the file as its next revision; nothing happens if there are none. Throws
+    /// `wrongState` within a `Transaction`, which has a `commit` of its own.
     void commit();
     /// Drops all changes since the last commit, and the failure that may have been kept. Where it throws,
     /// nothing has changed.
     void rollback();
-    /// Commits and gives the file up. Open handles can still be dropped afterwards; everything else throws
-    /// `closed`. A second call does nothing.
+    /// Commits and gives the file up. Handles can still be dropped afterwards, though display names that only
+    /// they hold are lost; what changes a record or has to be fetched throws `closed`. A second call does
+    /// nothing. Throws `wrongState` within a `Transaction`.
     void close();
     /// Goes on to the newest revision, in a store for reading. True if it is another one than before; handles
     /// are to be opened anew then. Throws `wrongState` in a store for writing, and where entities are open.
     bool refresh();
     /// Rewrites the file without the room that removed records have left. Commits first. Records, offsets
-    /// and the revision's contents stay.
+    /// and the revision's contents stay. Throws `wrongState` within a `Transaction`.
     void compact();
 
     const std::string& path() const;

@@ -4,7 +4,7 @@ add_custom_target(qvt_threaded_tests)
 # qvt_test(<name> [LAYER <layer>] SOURCES <file>... [LABELS <label>...] [LINK <library>...] [TIMEOUT <seconds>])
 # Makes a GoogleTest program whose cases are tests of ctest. With LAYER it links that layer and those left of it; without, the
 # shared libraries alone: never both, or each class would stand in the program twice.
-# LABELS is `unit` when left out; labels in use: unit contract golden abi lint consumer slow threaded.
+# LABELS is `unit` when left out; a program labelled `torture` has a long form (tests/support/Torture.h). Labels in use: unit contract golden abi lint consumer slow threaded torture.
 function(qvt_test name)
     cmake_parse_arguments(PARSE_ARGV 1 test "" "LAYER;TIMEOUT" "SOURCES;LABELS;LINK")
     if(test_LAYER)
@@ -19,7 +19,9 @@ function(qvt_test name)
     if(NOT test_LABELS)
         set(test_LABELS unit)
     endif()
-    if(NOT test_TIMEOUT)
+    if("torture" IN_LIST test_LABELS)
+        set(test_TIMEOUT 7200)  # what the long form takes, on a slow machine
+    elseif(NOT test_TIMEOUT)
         set(test_TIMEOUT 300)
     endif()
     add_executable(${name} ${test_SOURCES})

@@ -58,6 +58,9 @@ WorkFile::~WorkFile() {
 }
 
 void WorkFile::moveTo(const std::string& path) {
+    // What could not be written back stands in a log that would not go with the file.
+    struct stat log;
+    if (lstat((path_ + "-wal").c_str(), &log) == 0) failWith(ENOSPC, path);
     if (!renameToNew(path_, path)) failWith(errno, path);
     path_.clear();
     syncFolderOf(path);

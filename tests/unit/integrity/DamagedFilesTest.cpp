@@ -1,6 +1,5 @@
 // Files damaged at random: whatever is sound comes back, and what is made of it is sound.
-#include <cstdlib>
-
+#include "support/Torture.h"
 #include "unit/integrity/Files.h"
 #include "unit/integrity/Random.h"
 
@@ -14,11 +13,8 @@ using ::testing::IsEmpty;
 
 constexpr std::size_t kPage = 4096;
 
-// How many files are damaged; more of them on request.
-std::uint32_t runs() {
-    const char* wanted = std::getenv("QVT_DAMAGED_FILES");
-    return wanted ? static_cast<std::uint32_t>(std::strtoul(wanted, nullptr, 10)) : 100;
-}
+// How many files are damaged.
+std::uint32_t runs() { return static_cast<std::uint32_t>(rounds(100, 2000)); }
 
 // A value that is found again in the file.
 std::string token(Random& random) {

@@ -4,10 +4,12 @@
 A `cpp` block is a program: it is compiled against the public headers and the shared libraries, run, and must print
 what stands in the `text` block behind it. A `console` block is a session: each line that begins with "$ " is run in
 a folder with the documents of examples/documents, the same one for all blocks of a page, and must print the lines
-below it.
+below it. `cpp examples/NAME.cpp` is a piece of that example, which can be run in sessions as ./NAME. Any other
+language with the name of a file behind it is a file that stands in the folder from then on.
 
 usage: blocks.py PAGE
-The environment says what to build with: CXX, CXXFLAGS, QVT (the tool), QVT_LIBRARIES (their folder), QVT_SOURCE.
+The environment says what to build with: CXX, CXXFLAGS, QVT (the tool), QVT_LIBRARIES (their folder), QVT_SOURCE,
+QVT_EXAMPLES (the folder of the built examples).
 """
 
 import os
@@ -24,8 +26,8 @@ END = "\x1e"
 
 
 def blocks(page):
-    """Language and lines of each fenced block."""
-    return re.findall(r"^```(\w*)\n(.*?)^```$", page, re.MULTILINE | re.DOTALL)
+    """Language, name of a file, and lines of each fenced block."""
+    return re.findall(r"^```(\w*)(?: (\S+))?\n(.*?)^```$", page, re.MULTILINE | re.DOTALL)
 
 
 def run_program(code, standard):
@@ -61,21 +63,38 @@ def check_session(text, folder):
     return len(steps)
 
 
+def check_piece(text, name):
+    """A piece may be indented in its example."""
+    lines = [line.strip() for line in (SOURCE / name).read_text().splitlines()]
+    piece = [line.strip() for line in text.splitlines()]
+    if not any(lines[at:at + len(piece)] == piece for at in range(len(lines))):
+        sys.exit(f"this is no piece of {name}:\n{text}")
+
+
 def main(path):
     found = blocks(pathlib.Path(path).read_text())
-    programs = commands = 0
+    programs = commands = pieces = 0
     folder = tempfile.TemporaryDirectory()
     shutil.copytree(SOURCE / "examples" / "documents", folder.name, dirs_exist_ok=True)
-    for (language, text), (after, output) in zip(found, [*found[1:], ("", "")]):
-        if language == "cpp":
+    for example in pathlib.Path(os.environ.get("QVT_EXAMPLES", folder.name)).glob("*"):
+        if example.is_file() and os.access(example, os.X_OK):
+            pathlib.Path(folder.name, example.name).symlink_to(example)
+    for (language, name, text), (after, _, output) in zip(found, [*found[1:], ("", "", "")]):
+        if language == "cpp" and name:
+            check_piece(text, name)
+            pieces += 1
+        elif language == "cpp":
             for standard in ("c++17", "c++20"):
                 check("the program", output if after == "text" else "", run_program(text, standard))
             programs += 1
         elif language == "console":
             commands += check_session(text, folder.name)
-    print(f"{programs} programs and {commands} commands do what {path} says")
-    if programs + commands == 0:
+        elif name:
+            pathlib.Path(folder.name, name).write_text(text)
+    print(f"{programs} programs, {pieces} pieces of examples and {commands} commands are as {path} says")
+    if programs + commands + pieces == 0:
         sys.exit("there is nothing to run")
 
 
-main(sys.argv[1])
+if __name__ == "__main__":
+    main(sys.argv[1])

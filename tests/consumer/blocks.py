@@ -1,11 +1,12 @@
 #!/usr/bin/env python3
 """Runs every block of code in a page.
 
-A `cpp` block is a program: it is compiled against the public headers and the shared libraries, run, and must print
-what stands in the `text` block behind it. A `console` block is a session: each line that begins with "$ " is run in
-a folder with the documents of examples/documents, the same one for all blocks of a page, and must print the lines
-below it. `cpp examples/NAME.cpp` is a piece of that example, which can be run in sessions as ./NAME. Any other
-language with the name of a file behind it is a file that stands in the folder from then on.
+A `cpp` block is a program: it is compiled against the public headers and the shared libraries, as C++20 and, if it
+includes nothing of <qvt/...>, as C++17; it is run, and must print what stands in the `text` block behind it. A `console`
+block is a session: each line that begins with "$ " is run in a folder with the documents of examples/documents, the same
+one for all blocks of a page, and must print the lines below it. `cpp examples/NAME.cpp` is a piece of that example,
+which can be run in sessions as ./NAME. Any other language with the name of a file behind it is a file that stands in the
+folder from then on.
 
 usage: blocks.py PAGE
 The environment says what to build with: CXX, CXXFLAGS, QVT (the tool), QVT_LIBRARIES (their folder), QVT_SOURCE,
@@ -84,7 +85,7 @@ def main(path):
             check_piece(text, name)
             pieces += 1
         elif language == "cpp":
-            for standard in ("c++17", "c++20"):
+            for standard in ("c++20",) if "<qvt/" in text else ("c++17", "c++20"):
                 check("the program", output if after == "text" else "", run_program(text, standard))
             programs += 1
         elif language == "console":

@@ -19,9 +19,9 @@ concept Commitment = std::invocable<Work> &&
     (std::same_as<std::invoke_result_t<Work>, bool> || std::is_void_v<std::invoke_result_t<Work>>);
 
 /// Does some work under the guard, and brings it into the file as one: all of it, if `work` ends and does not
-/// answer false; else nothing, also of what was changed before and not committed yet. Answers whether it is
-/// in the file. What `work` throws comes out, and so does the failure of the commit. Handles that are opened
-/// in `work` are to end in it.
+/// answer false; else nothing. What was changed before is committed first. Answers whether the work is in the
+/// file. What `work` throws comes out, and so does the failure of a commit. Handles that are opened in `work`
+/// are to end in it.
 template <Commitment Work>
 bool commit(FileStore& store, Work&& work) {
     const auto guard = hold(store);

@@ -49,6 +49,16 @@ TEST_F(HostCommit, WorkThatIsNotKeptHasNotBeen) {
     EXPECT_FALSE(store.hasChanges());
 }
 
+TEST_F(HostCommit, WhatWasChangedBeforeStaysWhenWorkIsNotKept) {
+    qvt::top(store, "a");
+    EXPECT_FALSE(qvt::commit(store, [&] {
+        qvt::top(store, "b");
+        return false;
+    }));
+    EXPECT_TRUE(isInFile("a"));
+    EXPECT_FALSE(isInFile("b"));
+}
+
 TEST_F(HostCommit, WorkThatThrowsHasNotBeen) {
     EXPECT_TRUE(qvt::commit(store, [&] { qvt::top(store, "a"); }));
     const auto work = [&] {

@@ -69,6 +69,10 @@ class Reader final : public OpenBackend {
   public:
     explicit Reader(const std::string& path) : OpenBackend(path, OpenFile::Purpose::read) { begin(); }
 
+    bool load(std::uint32_t offset, LoadTarget& target) override {
+        requireOpen();
+        return session_->reading([&] { return OpenBackend::load(offset, target); });
+    }
     void commit(std::span<const Change>, const StoreMeta&) override { refuse(); }
     void compact() override { refuse(); }
 
@@ -106,8 +110,10 @@ class Reader final : public OpenBackend {
 
     void begin() {
         live_.clear();
-        if (!session_->isConnected()) session_->connectToRead();
-        base_ = connection().beginReading();
+        base_ = session_->reading([&] {
+            if (!session_->isConnected()) session_->connectToRead();
+            return connection().beginReading();
+        });
     }
 };
 

@@ -5,10 +5,13 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <chrono>
 #include <cstdlib>
+#include <ctime>
 #include <map>
 #include <memory>
 #include <mutex>
+#include <thread>
 #include <vector>
 
 namespace norvane::platform::core::storage::datastore {
@@ -18,6 +21,10 @@ using Code = StoreError::Code;
 
 // Far behind every byte that a file can have, and behind those that SQLite locks.
 constexpr off_t kWriterByte = off_t{1} << 62;
+
+// What is longer than a step of the clock by which the system notes changes of files.
+constexpr std::int64_t kClockTick = 20'000'000;
+constexpr int kMostRounds = 50;
 
 struct Freeing {
     void operator()(char* text) const { std::free(text); }
@@ -170,6 +177,25 @@ std::uint64_t OpenFile::nextData(std::uint64_t position) const {
     const off_t found = ::lseek(descriptor_, static_cast<off_t>(position), SEEK_DATA);
     if (found >= 0) return static_cast<std::uint64_t>(found);
     return errno == ENXIO ? size() : position;
+}
+
+OpenFile::Stamp OpenFile::stamp() const {
+    struct stat status {};
+    if (::fstat(descriptor_, &status) != 0) failSystem(path_, Doing::reading, errno);
+    return {status.st_mtim.tv_sec, status.st_mtim.tv_nsec, static_cast<std::uint64_t>(status.st_size)};
+}
+
+OpenFile::Stamp OpenFile::settledStamp() const {
+    for (int round = 0; round < kMostRounds; ++round) {
+        const Stamp found = stamp();
+        struct timespec now {};
+        ::clock_gettime(CLOCK_REALTIME, &now);
+        const std::int64_t age =
+            (now.tv_sec - found.seconds) * 1'000'000'000 + now.tv_nsec - found.nanoseconds;
+        if (age < 0 || age > kClockTick) return found;
+        std::this_thread::sleep_for(std::chrono::nanoseconds(kClockTick));
+    }
+    fail(Code::notReadable, path_, "the file is being written");
 }
 
 bool OpenFile::isStillThere() const noexcept {

@@ -32,6 +32,18 @@ class OpenFile {
     // The next position from there on that is not in a hole of the file; `size` if there is none.
     std::uint64_t nextData(std::uint64_t position) const;
 
+    // When the file was changed last, and how large it is.
+    struct Stamp {
+        std::int64_t seconds = 0;
+        std::int64_t nanoseconds = 0;
+        std::uint64_t size = 0;
+
+        friend bool operator==(const Stamp&, const Stamp&) = default;
+    };
+    Stamp stamp() const;
+    // Waits until another change would get another stamp: the system's clock for them goes in steps.
+    Stamp settledStamp() const;
+
     // False if the path now leads to another file, or to none.
     bool isStillThere() const noexcept;
     // True if there is a writer, here or in another process.

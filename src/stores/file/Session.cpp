@@ -20,13 +20,22 @@ void Session::checkLog() const {
 // makes it look strange.
 void Session::connectToRead() {
     if (!file_.hasWriter() && !isLogSound(file_) && !file_.hasWriter()) checkLog();
+    unlockedSince_.reset();
     try {
         connection_.emplace(path(), Database::Mode::read);
     } catch (const StoreError& error) {
         // In a folder that cannot be written there is no place for the files that connections share.
         if (error.code() != StoreError::Code::notReadable || logSizeOf(path()) != 0) throw;
+        unlockedSince_ = file_.settledStamp();
         connection_.emplace(path(), Database::Mode::readUnlocked);
     }
+}
+
+// A commit goes into the log, which such a connection does not see. When the log is written back, the file
+// changes under it, and what it reads from then on is of several revisions.
+void Session::requireUnchanged() const {
+    if (unlockedSince_ && file_.stamp() != *unlockedSince_)
+        fail(StoreError::Code::notReadable, path(), "the revision that was read is gone");
 }
 
 // What a process has left in the log that was killed in the midst of a commit goes, lest it be found behind

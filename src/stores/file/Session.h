@@ -25,6 +25,19 @@ class Session {
     void connectToRead();
     // False without a connection, and for one that goes on seeing what it has found.
     bool seesLog() const { return connection_ && connection_->seesLog(); }
+    // Runs a step that reads. On a connection that keeps nobody from writing it throws `notReadable` if
+    // somebody has done so since the connection was made; what the step has found is not to be used then.
+    template <class Step>
+    auto reading(Step step) {
+        try {
+            auto found = step();
+            requireUnchanged();
+            return found;
+        } catch (const StoreError&) {
+            requireUnchanged();
+            throw;
+        }
+    }
     void connectToWrite();
 
     // Leaves a log as it is: what stands in it goes into the file when somebody writes, not when somebody has
@@ -37,10 +50,12 @@ class Session {
 
   private:
     void checkLog() const;
+    void requireUnchanged() const;
     bool isLogEmpty() const noexcept;
 
     // The file stays known here until SQLite has closed it.
     OpenFile file_;
+    std::optional<OpenFile::Stamp> unlockedSince_;  // as the file was when it was opened without locks
     std::optional<Connection> connection_;
 };
 

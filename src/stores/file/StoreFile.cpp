@@ -47,8 +47,10 @@ std::vector<StoreFile::Problem> StoreFile::check(const std::string& path) {
         return problemOf(error, "identity", whole);
     }
     try {
-        session->connectToRead();
-        return Checker(*session).run();
+        return session->reading([&] {
+            session->connectToRead();
+            return Checker(*session).run();
+        });
     } catch (const StoreError& error) {
         return problemOf(error, "structure", whole);
     }

@@ -5,6 +5,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <array>
 #include <string>
 
 #include "unit/filestore/Backends.h"
@@ -33,17 +34,37 @@ class ReadOnlyFolderTest : public testing::Test {
         ::chmod(folder_.path().c_str(), 0555);
     }
 
-    // Runs a step in a process of its own that cannot write here; its result is how that ends.
-    template <class Step>
-    int asNobody(Step&& step) {
+    // Runs a step in a process of its own that cannot write here; its result is how that ends. What is done
+    // meanwhile begins when the step calls what it is given, which then waits for that to be done.
+    template <class Step, class Meanwhile>
+    int asNobody(Step&& step, Meanwhile&& meanwhile) {
+        std::array<int, 2> ready{};
+        std::array<int, 2> done{};
+        EXPECT_EQ(::pipe(ready.data()) + ::pipe(done.data()), 0);
+        const auto wait = [](int end) {
+            char byte = 0;
+            return ::read(end, &byte, 1) == 1;
+        };
         const pid_t child = ::fork();
         if (child == 0) {
             becomeNobody();
-            ::_exit(step());
+            ::_exit(step([&] {
+                if (::write(ready[1], "", 1) != 1 || !wait(done[0])) ::_exit(8);
+            }));
         }
+        ::close(ready[1]);
+        if (wait(ready[0])) {
+            meanwhile();
+            EXPECT_EQ(::write(done[1], "", 1), 1);
+        }
+        for (const int end : {ready[0], done[0], done[1]}) ::close(end);
         int status = 0;
         ::waitpid(child, &status, 0);
         return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    }
+    template <class Step>
+    int asNobody(Step&& step) {
+        return asNobody([&](auto&&) { return step(); }, [] {});
     }
 
     const Folder folder_;
@@ -63,6 +84,46 @@ TEST_F(ReadOnlyFolderTest, AStoreCanBeReadAndNotWritten) {
               }),
               0);
     EXPECT_FALSE(std::filesystem::exists(path_ + "-shm"));
+}
+
+// It holds no lock there that would keep the log from being written back.
+TEST_F(ReadOnlyFolderTest, ARevisionThatIsWrittenOverIsToldAndNotMixedWithTheNext) {
+    Revision next = revision_.with({{0, "in the file now"}, {1, std::string(9000, 'n')}});
+    closeFolder();
+    const auto readAcross = [&](auto&& waitForWriter) {
+        const auto reader = openReader(path_);
+        if (revisionOf(*reader) != revision_) return 1;
+        waitForWriter();
+        if (codeOfFailure([&] { loaded(*reader, 0); }) != Code::notReadable) return 2;
+        if (reader->meta() != revision_.meta) return 3;
+        return reader->refresh() && revisionOf(*reader) == next ? 0 : 4;
+    };
+    const auto write = [&] {
+        ::chmod(folder_.path().c_str(), 0755);
+        openWriter(path_)->commit(
+            changesOf({{0, "in the file now"}, {1, std::string(9000, 'n')}}, revision_.records), next.meta);
+        ::chmod(folder_.path().c_str(), 0555);
+    };
+
+    EXPECT_EQ(asNobody(readAcross, write), 0);
+}
+
+TEST_F(ReadOnlyFolderTest, AWriterThatHasWrittenNothingIntoTheFileDisturbsNoReader) {
+    closeFolder();
+    std::unique_ptr<FileBackend> writer;
+    const auto readAcross = [&](auto&& waitForWriter) {
+        const auto reader = openReader(path_);
+        waitForWriter();
+        return revisionOf(*reader) == revision_ ? 0 : 1;
+    };
+    const auto write = [&] {
+        ::chmod(folder_.path().c_str(), 0755);
+        writer = openWriter(path_);
+        Revision next = revision_;
+        commit(*writer, next, {{0, "in the log"}});
+    };
+
+    EXPECT_EQ(asNobody(readAcross, write), 0);
 }
 
 TEST_F(ReadOnlyFolderTest, ALogThatCannotBeSeenIsNotPassedOver) {

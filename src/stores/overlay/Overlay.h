@@ -111,7 +111,7 @@ class Overlay {
     void dropBytes(Slot& slot) noexcept;
 
     // Undoing.
-    bool isUndoable() const noexcept { return mutex_.depth() != 0; }
+    bool isUndoable() const noexcept { return isInScope_; }
     bool needsImage(const Slot& slot) const noexcept {
         return isUndoable() && slot.scope != scope_ && !slot.isGhost;
     }
@@ -170,6 +170,7 @@ class Overlay {
 
     core::thread::RecursiveMutex mutex_;
     std::uint64_t scope_ = 0;
+    bool isInScope_ = false;  // somebody holds a guard
     std::uint32_t transaction_ = 1;  // the number of the one under way, declared or not
     std::exception_ptr failure_;
     bool failedInScope_ = false;

@@ -49,10 +49,12 @@ IDataStore::Guard* Overlay::lock() { return new Guard(*this); }
 
 void Overlay::beginScope() noexcept {
     ++scope_;
+    isInScope_ = true;
     changedInScope_ = false;
 }
 
 void Overlay::endScope(bool isFailing) {
+    isInScope_ = false;
     if (isFailing) {
         undo();
         // Whoever asked for the operation is told by the exception, and nothing is left of it.

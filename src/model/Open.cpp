@@ -1,5 +1,6 @@
 #include "model/Open.h"
 
+#include "model/ChildCache.h"
 #include "model/Container.h"
 #include "model/Primitive.h"
 #include "model/Table.h"
@@ -55,8 +56,11 @@ std::uint32_t findChild(IDataStore* store, std::uint32_t setOffset, std::u16stri
     const Record::Snapshot set(store, setOffset);
     if (isReserved(name) || !isSet(set->kind()) || !set->isWhole(static_cast<Record::Kind>(set->kind())))
         return IDataStore::BADOFF;
-    const Record::Snapshot list(store, set->load(Record::field::children));
+    const std::uint32_t listOffset = set->load(Record::field::children);
+    const Record::Snapshot list(store, listOffset);
     if (!list->isWhole(Record::Kind::offsets)) return IDataStore::BADOFF;
+    if (ChildCache* cache = ChildCache::of(store, list->valueCount()))
+        if (const auto found = cache->find(store, listOffset, name)) return *found;
     for (std::uint32_t i = 0; i < list->valueCount(); ++i) {
         const Record::Snapshot child(store, list->value(i));
         if (Record::isChildKind(child->kind()) && child->hasName(name)) return list->value(i);

@@ -19,7 +19,7 @@ Owned<Set> openSet(IDataStore* store, std::uint32_t offset, Opening opening = Op
 // The values of a list record; empty for BADOFF and for a record that is no list.
 std::vector<std::uint32_t> listedChildren(IDataStore* store, std::uint32_t listOffset);
 
-// The first child of that name in the set's stored list, or BADOFF. Builds no index.
+// The first child of that name in the set's stored list, or BADOFF. Keeps nothing but what the store shares.
 std::uint32_t findChild(IDataStore* store, std::uint32_t setOffset, std::u16string_view name);
 
 // Walks from the record at `start` through children named by the path's parts (cut at every "."; an empty

@@ -1,7 +1,8 @@
 #include "model/Set.h"
 
-#include <memory>
+#include <cstring>
 
+#include "model/ChildCache.h"
 #include "model/Open.h"
 #include "model/Subtree.h"
 
@@ -21,11 +22,40 @@ bool storeName(Record::Entity& record, std::u16string_view name) {
     return true;
 }
 
+// A copy of a child's name, which needs no memory of its own where it is short, as nearly all are.
+class ChildName {
+  public:
+    ChildName() = default;
+    ChildName(const ChildName&) = delete;
+    ChildName& operator=(const ChildName&) = delete;
+
+    // The record is one of a kind that can be a child.
+    void take(const Record::View& child) {
+        const Record::U32 sizeField = Record::nameSizeField(static_cast<Record::Kind>(child.kind()));
+        const Record::Section name = child.section(sizeField);
+        const std::size_t units = name.size / 2;
+        if (units > kShort) {
+            long_ = Record::View::textOf(name);
+            text_ = long_;
+            return;
+        }
+        if (units != 0) std::memcpy(short_, name.begin, units * 2);
+        text_ = {short_, units};
+        text_ = text_.substr(0, text_.find(u'\0'));
+    }
+    std::u16string_view text() const { return text_; }
+
+  private:
+    static constexpr std::size_t kShort = 64;
+
+    char16_t short_[kShort];
+    std::u16string long_;
+    std::u16string_view text_;
+};
+
 }  // namespace
 
 Set::Set() noexcept : childrenRecord_(IDataStore::BADOFF) {}
-
-Set::~Set() { dropIndex(); }
 
 void Set::indexChildren(Opening opening) {
     indexed_ = false;
@@ -36,23 +66,52 @@ void Set::loadChildren() {
     indexed_ = false;  // until the index is complete the list answers
     dropIndex();
     const Record::Snapshot list(store(), childrenRecord_);
-    const std::uint32_t count = list->isWhole(Record::Kind::offsets) ? list->valueCount() : 0;
-    for (std::uint32_t i = 0; i < count; ++i) {
-        const Record::Snapshot child(store(), list->value(i));
-        if (Record::isChildKind(child->kind())) insert(list->value(i), child->name());
-    }
+    if (list->isWhole(Record::Kind::offsets)) loadList(*list);
     indexed_ = true;
 }
 
-// The first of equal names stays; the later one's entry is not kept.
-void Set::insert(std::uint32_t offset, std::u16string name) {
-    auto entry = std::make_unique<ChildEntry>(ChildEntry{offset, std::move(name)});
-    if (index_.insert(entry->name, entry.get())) static_cast<void>(entry.release());
+void Set::loadList(const Record::View& list) {
+    if (ChildCache* cache = ChildCache::of(store(), list.valueCount()))
+        shared_ = cache->snapshot(store(), childrenRecord_);
+    if (shared_) {
+        count_ = shared_->size();
+        return;
+    }
+    ChildName name;
+    for (std::uint32_t i = 0; i < list.valueCount(); ++i) {
+        const Record::Snapshot child(store(), list.value(i));
+        if (!Record::isChildKind(child->kind())) continue;
+        name.take(*child);
+        insert(name.text(), list.value(i));
+    }
+}
+
+std::uint32_t Set::lookUp(std::u16string_view name) const {
+    const std::uint32_t* found = own_.find(name);
+    if (!found && shared_) found = shared_->find(name);
+    return found ? *found : std::uint32_t{IDataStore::BADOFF};
+}
+
+// The first of equal names stays.
+void Set::insert(std::u16string_view name, std::uint32_t offset) {
+    if (shared_) {
+        if (lookUp(name) != IDataStore::BADOFF) return;
+        own_.erase(name);
+    }
+    if (own_.insert(name, offset)) ++count_;
+}
+
+void Set::forget(std::u16string_view name) {
+    if (lookUp(name) == IDataStore::BADOFF) return;
+    own_.erase(name);
+    if (shared_ && shared_->find(name)) own_.insert(name, IDataStore::BADOFF);
+    --count_;
 }
 
 void Set::dropIndex() {
-    index_.forEach([](ChildEntry* entry) { delete entry; });
-    index_.clear();
+    shared_.reset();
+    own_.clear();
+    count_ = 0;
 }
 
 void Set::reloadChildren() {
@@ -63,8 +122,7 @@ void Set::reloadChildren() {
 
 std::uint32_t Set::find(std::u16string_view name) {
     if (!indexed_) return findChild(store(), offset(), name);
-    ChildEntry* const* found = index_.find(name);
-    return found ? (*found)->offset : std::uint32_t{IDataStore::BADOFF};
+    return lookUp(name);
 }
 
 std::uint32_t Set::resolve(std::u16string_view path) {
@@ -82,7 +140,7 @@ std::uint32_t Set::childAt(std::uint32_t index) {
 
 std::uint32_t Set::childCount() {
     if (!indexed_) loadChildren();
-    return index_.size();
+    return count_;
 }
 
 std::vector<std::uint32_t> Set::children() { return listedChildren(store(), childrenRecord_); }
@@ -95,15 +153,15 @@ std::vector<std::uint32_t> Set::countedChildren() {
 
 bool Set::addChild(std::uint32_t offset) {
     if (!isStored()) return false;
-    std::u16string name;
+    ChildName name;
     {
         const Record::Snapshot child(store(), offset);
         if (!child->isWholeChild()) return false;
-        name = child->name();
+        name.take(*child);
     }
-    if (find(name) != IDataStore::BADOFF) return false;
+    if (find(name.text()) != IDataStore::BADOFF) return false;
     Record::storeField(store(), offset, field::parent, this->offset());
-    if (indexed_) insert(offset, std::move(name));
+    if (indexed_) insert(name.text(), offset);
     link(offset);
     return true;
 }
@@ -140,10 +198,7 @@ bool Set::removeChild(std::u16string_view name) {
         eraseSubtree(store(), child);
     }
     store()->remove(child);
-    if (ChildEntry* const* found = index_.find(name)) {
-        const std::unique_ptr<ChildEntry> entry(*found);
-        index_.erase(name);
-    }
+    if (indexed_) forget(name);
     Record::Offsets list(store(), childrenRecord_);
     if (list.view().isWhole(Record::Kind::offsets)) list.removeValue(child);
     return true;
@@ -158,23 +213,22 @@ bool Set::renameChild(std::u16string_view oldName, std::u16string_view newName) 
         if ((record.view().load(field::flags) & Record::kFixed) != 0) return false;
         if (!storeName(record, newName)) return false;
     }
-    if (ChildEntry* const* found = index_.find(oldName)) {
-        std::unique_ptr<ChildEntry> entry(*found);
-        index_.erase(oldName);
-        entry->name = newName;
-        if (index_.insert(entry->name, entry.get())) static_cast<void>(entry.release());
+    if (indexed_) {
+        forget(oldName);
+        insert(newName, child);
     }
     return true;
 }
 
 void Set::importChild(IDataStore* sourceStore, std::uint32_t offset) {
     if (!isStored() || !Record::isChildKind(Record::kindOf(sourceStore, offset))) return;
-    std::u16string name = Record::Snapshot(sourceStore, offset)->name();
-    if (find(name) != IDataStore::BADOFF) return;
+    ChildName name;
+    name.take(*Record::Snapshot(sourceStore, offset));
+    if (find(name.text()) != IDataStore::BADOFF) return;
     const CloneChanges changes{true, this->offset(), Record::kFixed | Record::kInherited};
     const std::uint32_t copy = cloneSubtree(sourceStore, offset, store(), changes);
     if (copy == IDataStore::BADOFF) return;
-    if (indexed_) insert(copy, std::move(name));
+    if (indexed_) insert(name.text(), copy);
     link(copy);
 }
 

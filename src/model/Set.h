@@ -2,27 +2,21 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "model/ChildIndex.h"
 #include "model/Item.h"
 
 namespace norvane::platform::data::Metadata {
-
-// One child as the index knows it.
-struct ChildEntry {
-    std::uint32_t offset;
-    std::u16string name;
-};
 
 // An item with children: a name index over the entities in its list record. The list is the truth for the
 // order; the index is what this object answers lookups from, as it was at opening, with this object's own
 // changes. Children are kinds 1, 2 and 4; of equal names the first is found, and reserved names never are.
 class Set : public Item {
   public:
-    ~Set() override;
-
     // No other object is open on this record, and none at all on anything below.
     bool isRemovable() override;
     // Localised strings and children go, and the record no longer leads to them.
@@ -71,12 +65,19 @@ class Set : public Item {
 
   private:
     void loadChildren();
-    void insert(std::uint32_t offset, std::u16string name);
+    void loadList(const Record::View& list);
+    std::uint32_t lookUp(std::u16string_view name) const;
+    void insert(std::u16string_view name, std::uint32_t offset);
+    void forget(std::u16string_view name);
     void dropIndex();
     void link(std::uint32_t offset);
     bool adoptList();
 
-    NameMap<ChildEntry*> index_;
+    // The children are those of the shared index, if there is one, with what stands in this object's own laid
+    // over it: BADOFF there hides a child.
+    std::shared_ptr<const ChildIndex> shared_;
+    ChildIndex own_;
+    std::uint32_t count_ = 0;
     std::uint32_t childrenRecord_;
     bool indexed_ = true;  // a new set has no children: its empty index is complete
 };

@@ -54,6 +54,7 @@ template struct Probe<core::io::IDataWriter>;
 template struct Probe<core::memory::IPointerCounter>;
 template struct Probe<core::memory::DefaultPointerCounterImp>;
 template struct Probe<core::storage::datastore::IDataStore>;
+template struct Probe<core::storage::datastore::IDataStore::Companion>;
 template struct Probe<core::storage::datastore::IDataStore::Guard>;
 template struct Probe<core::string::IString>;
 template struct Probe<core::string::WideString>;

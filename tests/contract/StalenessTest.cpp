@@ -1,6 +1,9 @@
 // What a handle sees of changes that another handle makes: a handle answers lookups among its direct children
 // from what it read when it was opened, and paths beyond them, positions and cursors from the store.
+#include <string>
+
 #include "contract/Model.h"
+#include "support/ForwardingStore.h"
 
 namespace norvane::platform::test {
 namespace {
@@ -216,6 +219,143 @@ TEST_F(StaleContainerTest, AddedItemComesWithWhatItsHandleKnows) {
 
     EXPECT_EQ(record(store, u"to/old").children(), noRecord());
     EXPECT_EQ(record(store, u"to/old").locale(), noRecord());
+}
+
+// The same of wide containers, in a store that shares an index of their children among handles, and in one
+// that does not: nobody may tell which it is.
+class WideStalenessTest : public testing::TestWithParam<Extensions> {
+  public:
+    ~WideStalenessTest() noexcept override = default;
+
+  protected:
+    static constexpr int kWidth = 100;
+
+    WideStalenessTest() {
+        for (int i = 0; i < kWidth; ++i) makeGroup(*top, nameOf(i).c_str());
+        for (int i = 0; i < 3; ++i) EXPECT_TRUE(IContainerFrontEnd::find(store, u"top.child7"));
+        stale = top->find(WideString());
+    }
+
+    static bool makeGroup(IContainer& container, const char16_t* name) {
+        return bool(container.makeContainer(kGroup, name, nullptr));
+    }
+    static std::u16string nameOf(int i) {
+        std::u16string name = u"child";
+        for (const char each : std::to_string(i)) name.push_back(static_cast<char16_t>(each));
+        return name;
+    }
+    std::size_t listed() const { return namesOf(*stale->containers()).size(); }
+    SharedPtr<IContainer> fresh() const { return stale->find(WideString()); }
+    bool leads(const char16_t* path) { return bool(IContainerFrontEnd::find(store, path)); }
+
+    ModelStore memory;
+    ForwardingStore plain{memory, Extensions::off};
+    IDataStore* store = GetParam() == Extensions::on ? static_cast<IDataStore*>(&memory) : &plain;
+    SharedPtr<IContainer> top = IContainerFrontEnd::toplevel(store, u"top");
+    SharedPtr<IContainer> stale;
+};
+
+INSTANTIATE_TEST_SUITE_P(WithAndWithoutSharedIndex, WideStalenessTest,
+                         testing::Values(Extensions::on, Extensions::off),
+                         [](const auto& test) { return test.param == Extensions::on ? "On" : "Off"; });
+
+TEST_P(WideStalenessTest, AddedChildIsKnownToThePathAndToNewHandlesOnly) {
+    makeGroup(*top, u"new");
+
+    EXPECT_FALSE(stale->contains(u"new"));
+    EXPECT_FALSE(stale->remove(u"new"));
+    EXPECT_TRUE(top->contains(u"new"));
+    EXPECT_TRUE(fresh()->contains(u"new"));
+    EXPECT_TRUE(leads(u"top.new"));
+    EXPECT_EQ(listed(), kWidth + 1u);
+}
+
+TEST_P(WideStalenessTest, RemovedChildIsStillContainedInTheOldHandle) {
+    EXPECT_TRUE(top->remove(u"child7"));
+
+    EXPECT_TRUE(stale->contains(u"child7"));
+    EXPECT_FALSE(stale->find(u"child7"));
+    EXPECT_FALSE(makeGroup(*stale, u"child7"));
+    EXPECT_FALSE(top->contains(u"child7"));
+    EXPECT_FALSE(fresh()->contains(u"child7"));
+    EXPECT_FALSE(leads(u"top.child7"));
+    EXPECT_EQ(listed(), kWidth - 1u);
+}
+
+TEST_P(WideStalenessTest, RenamedChildIsFoundUnderItsOldNameInTheOldHandle) {
+    EXPECT_TRUE(top->find(u"child7")->rename(u"new"));
+
+    EXPECT_EQ(stale->find(u"child7")->name(), u"new");
+    EXPECT_FALSE(stale->contains(u"new"));
+    EXPECT_TRUE(top->contains(u"child7"));
+    EXPECT_TRUE(fresh()->contains(u"new"));
+    EXPECT_FALSE(fresh()->contains(u"child7"));
+    EXPECT_TRUE(leads(u"top.new"));
+    EXPECT_FALSE(leads(u"top.child7"));
+}
+
+TEST_P(WideStalenessTest, NameThatBecameFreeCanBeTakenThroughANewHandle) {
+    EXPECT_TRUE(top->find(u"child7")->rename(u"new"));
+
+    EXPECT_TRUE(makeGroup(*fresh(), u"child7"));
+
+    EXPECT_EQ(stale->find(u"child7")->name(), u"new");
+    EXPECT_EQ(fresh()->find(u"child7")->name(), u"child7");
+    EXPECT_EQ(listed(), kWidth + 1u);
+}
+
+TEST_P(WideStalenessTest, CopyWithoutADotReloadsTheHandle) {
+    makeGroup(*top, u"new");
+    EXPECT_TRUE(top->remove(u"child7"));
+
+    EXPECT_TRUE(stale->copy(u"child8", u"copy", false));
+
+    EXPECT_TRUE(stale->contains(u"new"));
+    EXPECT_TRUE(stale->contains(u"copy"));
+    EXPECT_FALSE(stale->contains(u"child7"));
+    EXPECT_FALSE(top->contains(u"copy"));
+}
+
+TEST_P(WideStalenessTest, FirstOfTwinsIsTheOneFound) {
+    makeGroup(*top, u"twin");
+    EXPECT_TRUE(stale->makePrimitive(u"twin", kInt32));
+
+    EXPECT_TRUE(leads(u"top.twin"));
+    EXPECT_TRUE(fresh()->find(u"twin"));
+    EXPECT_TRUE(stale->findProperty(u"twin"));
+    EXPECT_TRUE(fresh()->remove(u"twin"));
+
+    EXPECT_FALSE(fresh()->find(u"twin"));
+    EXPECT_TRUE(fresh()->findProperty(u"twin"));
+}
+
+TEST_P(WideStalenessTest, HandleThatLostAllItsChildrenIsEmptyAndTheOldOneIsNot) {
+    for (int i = 0; i < kWidth; ++i) EXPECT_TRUE(top->remove(nameOf(i).c_str()));
+
+    EXPECT_TRUE(top->isEmpty());
+    EXPECT_TRUE(fresh()->isEmpty());
+    EXPECT_FALSE(stale->isEmpty());
+    EXPECT_TRUE(stale->contains(u"child99"));
+    EXPECT_EQ(listed(), 0u);
+}
+
+TEST_P(WideStalenessTest, TableCountsAsItDidWhenItWasOpened) {
+    const auto made = top->makeTable(u"t", nullptr);
+    for (int i = 0; i < kWidth; ++i) made->makePrimitive(nameOf(i).c_str(), kInt32, 0);
+    for (int i = 0; i < 3; ++i) EXPECT_TRUE(top->findProperty(u"t.child7"));
+    const auto first = top->findProperty(u"t");
+    const auto second = top->findProperty(u"t");
+    ITable* old = ITable::to(second.get());
+
+    made->remove(u"child7");
+    made->makePrimitive(u"new", kInt32, 0);
+    made->makePrimitive(u"newer", kInt32, 0);
+
+    EXPECT_EQ(old->count(), kWidth + 0u);
+    EXPECT_FALSE(old->find(u"new"));
+    EXPECT_FALSE(old->find(u"child7"));
+    EXPECT_EQ(old->at(kWidth)->name(), u"newer");
+    EXPECT_EQ(ITable::to(top->findProperty(u"t").get())->count(), kWidth + 1u);
 }
 
 // Two handles on one table with members "m" and "n".

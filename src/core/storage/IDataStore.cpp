@@ -13,4 +13,6 @@ std::uint32_t IDataStore::recordLimit() { return 0xFFFFFFFFu; }
 
 std::uint64_t IDataStore::changeStamp() { return 0; }
 
+IDataStore::Companion* IDataStore::companion(std::unique_ptr<Companion> (*)()) { return nullptr; }
+
 }  // namespace norvane::platform::core::storage::datastore

@@ -7,6 +7,7 @@
 #include <new>
 #include <stdexcept>
 #include <type_traits>
+#include <utility>
 
 #include "norvane/platform/core/thread/RecursiveMutex.h"
 #include "stores/pool/RecordPool.h"
@@ -14,10 +15,46 @@
 namespace norvane::platform::core::storage::datastore {
 namespace {
 
-class MemoryGuard : public IDataStore::Guard {
+// False once the thread has given back what it kept: guards may come and go later still.
+thread_local bool keepsSpare = true;
+
+// Memory of one guard that was deleted, for the thread's next one.
+class SpareGuard {
+  public:
+    SpareGuard() = default;
+    SpareGuard(const SpareGuard&) = delete;
+    SpareGuard& operator=(const SpareGuard&) = delete;
+    ~SpareGuard() {
+        keepsSpare = false;
+        ::operator delete(memory_);
+    }
+
+    void* take(std::size_t size) { return memory_ ? std::exchange(memory_, nullptr) : ::operator new(size); }
+    void put(void* memory) {
+        ::operator delete(memory_);
+        memory_ = memory;
+    }
+
+  private:
+    void* memory_ = nullptr;
+};
+thread_local SpareGuard spareGuard;
+
+// One is made for each operation on the public handles.
+class MemoryGuard final : public IDataStore::Guard {
   public:
     explicit MemoryGuard(core::thread::RecursiveMutex& mutex) : lock_(mutex) {}
     ~MemoryGuard() noexcept override = default;
+
+    static void* operator new(std::size_t size) {
+        return keepsSpare ? spareGuard.take(size) : ::operator new(size);
+    }
+    static void operator delete(void* memory) {
+        if (keepsSpare)
+            spareGuard.put(memory);
+        else
+            ::operator delete(memory);
+    }
 
   private:
     std::lock_guard<core::thread::RecursiveMutex> lock_;
@@ -89,7 +126,8 @@ struct MemoryDataStore::Contents {
         block = fresh;
     }
 
-    [[gnu::noinline]] void rewrite(Block& block, const void* buffer, std::uint32_t size, bool flag) {
+    [[gnu::noinline]] void rewrite(std::uint32_t offset, const void* buffer, std::uint32_t size, bool flag) {
+        Block& block = at(offset);
         checkSize(size);
         const std::uint32_t before = block.size;
         // A block much too large for its record goes back.
@@ -104,12 +142,12 @@ struct MemoryDataStore::Contents {
         }
         byteCount += size;
         byteCount -= before;
-        changeStamp += flag ? 1 : 0;
+        if (flag) changed(offset, 0);
     }
 
-    void grewBy(std::uint32_t size) {
-        byteCount += size;
+    void changed(std::uint32_t offset, std::uint32_t position) {
         ++changeStamp;
+        if (companion) companion->changed(offset, position);
     }
 
     Options options;
@@ -119,6 +157,8 @@ struct MemoryDataStore::Contents {
     std::uint64_t recordCount = 0;
     std::uint64_t byteCount = 0;
     std::uint64_t changeStamp = 1;
+    std::unique_ptr<Companion> companion;
+    std::once_flag companionIsMade;
     core::thread::RecursiveMutex mutex;
 };
 
@@ -154,7 +194,8 @@ std::uint32_t MemoryDataStore::append(const void* buffer, std::uint32_t size) {
     copyBytes(block.bytes, buffer, size);
     contents_->slots.add(block);
     ++contents_->recordCount;
-    contents_->grewBy(size);
+    contents_->byteCount += size;
+    contents_->changed(static_cast<std::uint32_t>(offset), 0);
     return static_cast<std::uint32_t>(offset);
 }
 
@@ -174,7 +215,8 @@ void MemoryDataStore::extend(std::uint32_t offset, const void* buffer, std::uint
         copyBytes(fresh.bytes + before, buffer, size);
         contents_->replace(block, fresh);
     }
-    contents_->grewBy(size);
+    contents_->byteCount += size;
+    contents_->changed(offset, before);
 }
 
 // Most writes change a few bytes of a record that keeps its size. Nothing but those bytes and the stamp is
@@ -182,9 +224,9 @@ void MemoryDataStore::extend(std::uint32_t offset, const void* buffer, std::uint
 // queue of stores.
 void MemoryDataStore::write(std::uint32_t offset, const void* buffer, std::uint32_t size, bool flag) {
     Block& block = contents_->at(offset);
-    if (size != block.size) return contents_->rewrite(block, buffer, size, flag);
-    contents_->changeStamp += flag ? 1 : 0;
+    if (size != block.size) return contents_->rewrite(offset, buffer, size, flag);
     copyBytes(block.bytes, buffer, size);
+    if (flag) contents_->changed(offset, 0);
 }
 
 std::uint32_t MemoryDataStore::recordSize(std::uint32_t offset) {
@@ -197,8 +239,8 @@ void MemoryDataStore::remove(std::uint32_t offset) {
     if (!block) return;
     contents_->byteCount -= block->size;
     --contents_->recordCount;
-    ++contents_->changeStamp;
     contents_->pool.release(*block);
+    contents_->changed(offset, 0);
 }
 
 const void* MemoryDataStore::view(std::uint32_t offset, std::uint32_t& size) {
@@ -212,13 +254,18 @@ bool MemoryDataStore::patch(std::uint32_t offset, std::uint32_t position, const 
     const Block& block = contents_->at(offset);
     if (std::uint64_t{position} + size > block.size) throw std::out_of_range("patch outside of the record");
     copyBytes(block.bytes + position, bytes, size);
-    if (flag) ++contents_->changeStamp;
+    if (flag) contents_->changed(offset, position);
     return true;
 }
 
 std::uint32_t MemoryDataStore::recordLimit() { return contents_->options.recordLimit; }
 
 std::uint64_t MemoryDataStore::changeStamp() { return contents_->changeStamp; }
+
+IDataStore::Companion* MemoryDataStore::companion(std::unique_ptr<Companion> (*make)()) {
+    std::call_once(contents_->companionIsMade, [&] { contents_->companion = make(); });
+    return contents_->companion.get();
+}
 
 std::uint64_t MemoryDataStore::recordCount() const { return contents_->recordCount; }
 

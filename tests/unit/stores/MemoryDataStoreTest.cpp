@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <memory>
 #include <stdexcept>
 #include <string>
 
@@ -139,6 +140,59 @@ TEST(MemoryDataStoreTest, VersionDoesNotMoveTheChangeStamp) {
     store.setVersion(3);
 
     EXPECT_EQ(store.changeStamp(), stamp);
+}
+
+// Remembers what it is told, as "offset@position".
+class Listener : public IDataStore::Companion {
+  public:
+    void changed(std::uint32_t offset, std::uint32_t position) noexcept override {
+        told += std::to_string(offset) + "@" + std::to_string(position) + " ";
+    }
+    void changedAll() noexcept override { told += "all "; }
+
+    std::string told;
+};
+
+std::unique_ptr<IDataStore::Companion> makeListener() { return std::make_unique<Listener>(); }
+
+TEST(MemoryDataStoreTest, KeepsTheCompanionThatWasMadeFirst) {
+    MemoryDataStore store;
+    IDataStore::Companion* first = store.companion(makeListener);
+
+    EXPECT_NE(first, nullptr);
+    EXPECT_EQ(store.companion(makeListener), first);
+}
+
+TEST(MemoryDataStoreTest, CompanionHearsOfEveryChangeThatIsNoBookkeeping) {
+    MemoryDataStore store;
+    append(store, "first");
+    auto& listener = static_cast<Listener&>(*store.companion(makeListener));
+
+    append(store, "second");
+    store.extend(1, "more", 4);
+    store.write(0, "FIRST", 5, true);
+    store.write(0, "longer than before", 18, true);
+    store.patch(0, 3, "x", 1, true);
+    store.write(0, "same size as befor", 18, false);
+    store.write(0, "another size", 12, false);
+    store.patch(0, 3, "x", 1, false);
+    store.remove(1);
+    store.remove(1);
+    store.setVersion(2);
+
+    EXPECT_EQ(listener.told, "1@0 1@6 0@0 0@0 0@3 1@0 ");
+}
+
+TEST(MemoryDataStoreTest, RefusedChangesAreNotTold) {
+    MemoryDataStore store({.recordLimit = 8});
+    append(store, "12345678");
+    auto& listener = static_cast<Listener&>(*store.companion(makeListener));
+
+    EXPECT_THROW(store.extend(0, "9", 1), std::length_error);
+    EXPECT_THROW(store.patch(0, 8, "9", 1, true), std::out_of_range);
+    EXPECT_THROW(store.write(7, "1", 1, true), std::out_of_range);
+
+    EXPECT_EQ(listener.told, "");
 }
 
 TEST(MemoryDataStoreTest, HoldsManyRecords) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 
 #include "norvane/platform/core/Export.h"
 
@@ -29,6 +30,17 @@ class QVT_CORE_API IDataStore {
     /// Exclusive use of a store, from `lock` until it is deleted. It is deleted on the thread that took it.
     struct QVT_CORE_API Guard {
         virtual ~Guard() noexcept(false) {}
+    };
+
+    /// An object that somebody keeps with a store, such as an index of its records. It goes with the store.
+    /// It hears of every change but bookkeeping writes, right after the change, on the thread that made it,
+    /// and must not call the store then.
+    struct QVT_CORE_API Companion {
+        virtual ~Companion() {}
+        /// A record came, went, or has other bytes or another end from `position` on.
+        virtual void changed(std::uint32_t offset, std::uint32_t position) noexcept = 0;
+        /// Any record may have changed.
+        virtual void changedAll() noexcept = 0;
     };
 
     /// The offset of no record. Never 0 and never given out by `append`. Its value belongs to the core
@@ -91,6 +103,11 @@ class QVT_CORE_API IDataStore {
     /// A number that is another one whenever any record changed, other than by a bookkeeping write. 0 means
     /// that this store does not offer it.
     virtual std::uint64_t changeStamp();
+
+    /// The companion of this store, which is owned by it; `make` makes one where there is none yet. There is
+    /// one for all who ask, whoever made it. Null means that this store keeps none. Safe from all threads
+    /// that only look at the store.
+    virtual Companion* companion(std::unique_ptr<Companion> (*make)());
 };
 
 }  // namespace norvane::platform::core::storage::datastore

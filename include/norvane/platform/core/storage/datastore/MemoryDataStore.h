@@ -21,8 +21,8 @@ namespace norvane::platform::core::storage::datastore {
 /// is as before.
 ///
 /// `lock` gives guards that are re-entrant within a thread; other threads wait. Where threads wait for each
-/// other in a ring, it throws `std::system_error` with `resource_deadlock_would_occur`. Without a guard, calls
-/// that only look may run at the same time, and nothing may run beside a change.
+/// other in a ring, it throws `std::system_error` with `resource_deadlock_would_occur`. Without a guard,
+/// calls that only look may run at the same time, and nothing may run beside a change.
 ///
 /// All extensions are offered. The memory of removed and of replaced records is kept for new ones until the
 /// store goes.
@@ -60,6 +60,7 @@ class QVT_CORE_API MemoryDataStore : public IDataStore {
                bool flag) override;
     std::uint32_t recordLimit() override;
     std::uint64_t changeStamp() override;
+    Companion* companion(std::unique_ptr<Companion> (*make)()) override;
 
     /// How many records there are now, and the sum of their sizes in bytes.
     std::uint64_t recordCount() const;

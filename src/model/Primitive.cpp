@@ -1,6 +1,7 @@
 #include "model/Primitive.h"
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 
 #include "model/Subtree.h"
@@ -159,6 +160,43 @@ std::byte* Primitive::valueIn(Record::Primitive& record) {
     return record.bytes() + record.view().sectionPosition(field::valueSize);
 }
 
+namespace {
+
+// The bytes of a record that is written at once. Few need no memory of their own.
+class Draft {
+  public:
+    explicit Draft(std::uint32_t size) : large_(size <= kFew ? 0 : size) {}
+
+    std::byte* bytes() { return large_.capacity() == 0 ? few_.data() : large_.bytes(); }
+
+  private:
+    static constexpr std::uint32_t kFew = 512;
+
+    std::array<std::byte, kFew> few_;
+    Record::Block large_;
+};
+
+}  // namespace
+
+// Puts a value of `size` bytes in the place of one that is no longer, in one write and without a look at what
+// goes. False, with nothing changed, where bytes stand behind the value, or the record does not take that.
+bool Primitive::storeInstead(const void* source, std::uint64_t size) {
+    const Record::Snapshot record(store(), offset());
+    const std::uint64_t start = record->sectionPosition(field::valueSize);
+    const std::uint64_t there = record->section(field::valueSize).size;
+    const bool isSound = !isInert() && record->isWhole(Record::Kind::primitive);
+    if (!isSound || there > size || start + there != record->size()) return false;
+    if (start + size > store()->recordLimit()) return false;
+    const auto stored = static_cast<std::uint32_t>(size);
+    Draft draft(static_cast<std::uint32_t>(start + size));
+    std::memcpy(draft.bytes(), record->bytes(), start);
+    std::memcpy(draft.bytes() + field::valueSize.position, &stored, sizeof stored);
+    std::memcpy(draft.bytes() + start, source, size);
+    store()->write(offset(), draft.bytes(), static_cast<std::uint32_t>(start + size), true);
+    valueSize_ = stored;
+    return true;
+}
+
 // Adds behind the value without a rewrite, so that many strings that come one by one do not cost the square
 // of their number. Only stores that also change records in place are made to extend by more than a list's
 // entry.
@@ -191,6 +229,7 @@ bool Primitive::writeValues(const void* source, std::uint32_t start, std::uint32
         if (storeInPlace(from, position, size)) return true;
         valueSize_ = Record::Snapshot(store(), offset())->section(field::valueSize).size;
     }
+    if (position == 0 && storeInstead(from, size)) return true;
     if (storeBehind(from, position, size)) return true;
     Record::Primitive record(store(), offset());
     if (!lengthenValue(record, position + size)) return false;
@@ -232,6 +271,9 @@ bool Primitive::overlayValues(const std::byte* elements, const std::vector<unsig
         std::find_if(isGiven.rbegin(), isGiven.rend(), [](unsigned char each) { return each != 0; });
     const auto count = static_cast<std::uint64_t>(isGiven.rend() - last);
     if (count * element == 0 || hasUri_) return false;
+    const bool isAll = std::find(isGiven.begin(), isGiven.begin() + static_cast<std::ptrdiff_t>(count), 0) ==
+                       isGiven.begin() + static_cast<std::ptrdiff_t>(count);
+    if (isAll && storeAll(elements, count * element)) return true;
     if (count <= this->count()) {
         if (overlayInPlace(elements, isGiven, count)) return true;
         valueSize_ = Record::Snapshot(store(), offset())->section(field::valueSize).size;
@@ -243,6 +285,12 @@ bool Primitive::overlayValues(const std::byte* elements, const std::vector<unsig
     record.commit();
     valueSize_ = static_cast<std::uint32_t>(count * element);
     return true;
+}
+
+// The same where every element is given.
+bool Primitive::storeAll(const std::byte* elements, std::uint64_t size) {
+    if (size > std::uint64_t{count()} * elementSize()) return storeInstead(elements, size);
+    return storeInPlace(elements, 0, size);
 }
 
 std::uint32_t Primitive::readValues(void* target, std::uint32_t start, std::uint32_t count) const {

@@ -72,6 +72,8 @@ class Primitive final : public Metadata::Item {
   private:
     bool takes(const Record::Primitive& record, Record::U32 sizeField, std::uint64_t size) const;
     bool storeInPlace(const void* source, std::uint64_t position, std::uint64_t size);
+    bool storeInstead(const void* source, std::uint64_t size);
+    bool storeAll(const std::byte* elements, std::uint64_t size);
     bool storeBehind(const void* source, std::uint64_t position, std::uint64_t size);
     bool overlayInPlace(const std::byte* elements, const std::vector<unsigned char>& isGiven,
                         std::uint64_t count);

@@ -268,8 +268,11 @@ void addToOpenCount(IDataStore* store, std::uint32_t offset, std::uint32_t chang
     std::uint32_t size = 0;
     if (const void* bytes = offset == IDataStore::BADOFF ? nullptr : store->view(offset, size)) {
         const View record(bytes, size);
-        if (!isEntity(record.kind())) return;
-        storeField(store, offset, field::openCount, record.load(field::openCount) + change, false);
+        constexpr U32 kField = field::openCount;
+        if (!isEntity(record.kind()) || size < kField.position + kField.width) return;
+        const std::uint32_t count = record.load(kField) + change;
+        if (!store->patch(offset, kField.position, &count, kField.width, false))
+            storeField(store, offset, kField, count, false);
         return;
     }
     Base record(store, offset);

@@ -1,10 +1,13 @@
 #include "xml/NumberText.h"
 
 #include <algorithm>
+#include <array>
 #include <charconv>
+#include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <istream>
+#include <limits>
 #include <locale>
 #include <streambuf>
 #include <string>
@@ -53,9 +56,52 @@ bool endsPlainly(const char* stop, const char* end) {
     return std::is_integral_v<T> || stop == end || (*stop != 'e' && *stop != 'E');
 }
 
+// Up to which power of ten a type is exact, and up to which integer.
+template <typename T>
+constexpr int kMostExactPower = sizeof(T) == sizeof(double) ? 22 : 10;
+template <typename T>
+constexpr std::uint64_t kMostExactInteger = std::uint64_t{1} << std::numeric_limits<T>::digits;
+
+template <typename T>
+constexpr auto exactPowers() {
+    std::array<T, kMostExactPower<T> + 1> powers{1};
+    for (std::size_t i = 1; i < powers.size(); ++i) powers[i] = powers[i - 1] * 10;
+    return powers;
+}
+
+// Reads on over digits and gives how many there were; `number` means nothing after more than 19 in all.
+std::ptrdiff_t takeDigits(const char*& at, const char* end, std::uint64_t& number) {
+    const char* begin = at;
+    for (; at != end && isDigit(*at); ++at) number = number * 10 + static_cast<std::uint64_t>(*at - '0');
+    return at - begin;
+}
+
+// The numbers that are an exact integer over an exact power of ten: of those one division gives the nearest
+// value, as from_chars does. False for all others, and for a token that is not digits and a point.
+template <typename T>
+bool parseShort(const char* at, const char* end, void* target) {
+    static constexpr auto kPowers = exactPowers<T>();
+    constexpr std::ptrdiff_t kMostDigits = 19;
+    const bool isNegative = *at == '-';
+    if (isNegative) ++at;
+    std::uint64_t number = 0;
+    std::ptrdiff_t digits = takeDigits(at, end, number);
+    std::ptrdiff_t power = 0;
+    if (at != end && *at == '.') power = takeDigits(++at, end, number);
+    digits += power;
+    if (at != end || digits == 0 || digits > kMostDigits) return false;
+    if (number > kMostExactInteger<T> || power > kMostExactPower<T>) return false;
+    const T size = static_cast<T>(number) / kPowers[static_cast<std::size_t>(power)];
+    const T value = isNegative ? -size : size;
+    std::memcpy(target, &value, sizeof value);
+    return true;
+}
+
 template <typename T>
 bool parse(const char* token, const char* end, void* target) {
     if (token == end) return false;
+    if constexpr (std::is_floating_point_v<T>)
+        if (parseShort<T>(token, end, target)) return true;
     if (beginsPlainly<T>(token, end)) {
         T value;
         const auto [stop, error] = std::from_chars(token, end, value);

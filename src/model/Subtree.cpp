@@ -164,6 +164,33 @@ void eraseListedChildren(IDataStore* store, std::uint32_t owner, std::uint32_t l
 
 namespace {
 
+// Appends the bytes of an entity as one that nobody has open and that leads nowhere yet.
+void appendCopy(Record::Base& copy, std::uint8_t addedFlags, const std::uint32_t* parent) {
+    const std::uint8_t kind = copy.view().kind();
+    const auto flags = static_cast<std::uint8_t>(copy.view().load(field::flags) | addedFlags);
+    copy.set(field::openCount, std::uint32_t{0});
+    copy.set(field::flags, flags);
+    copy.set(field::locale, std::uint32_t{IDataStore::BADOFF});
+    if (parent) copy.set(field::parent, *parent);
+    if (kind != kPrimitive) copy.set(field::children, std::uint32_t{IDataStore::BADOFF});
+    if (kind == kTable) copy.set(field::defaults, std::uint32_t{IDataStore::BADOFF});
+    copy.commit();
+}
+
+// Copies a primitive that refers to nothing, as most members of classes are. False, with nothing copied, for
+// any other entity.
+bool clonePlain(IDataStore* source, std::uint32_t offset, Record::Base& copy, const CloneChanges& changes) {
+    {
+        const Record::Snapshot entity(source, offset);
+        const bool isPlain = entity->load(field::locale) == IDataStore::BADOFF;
+        if (!isPlain || !entity->isWhole(Record::Kind::primitive)) return false;
+        copy.allocate(entity->size());
+        std::memcpy(copy.bytes(), entity->bytes(), entity->size());
+    }
+    appendCopy(copy, changes.addedFlags, changes.setsParent ? &changes.parent : nullptr);
+    return true;
+}
+
 // One entity being copied: its bytes with all that is known of the copy so far. What the source refers to is
 // BADOFF in it until that is copied too, so that a copy left unfinished leads nowhere.
 struct CopiedLevel {
@@ -223,22 +250,10 @@ class Cloner {
             std::memcpy(level.copy.bytes(), entity->bytes(), entity->size());
         }
         level.defaults = satellites.defaults;
-        appendCopy(level.copy, parent);
+        appendCopy(level.copy, changes_.addedFlags, parent);
         refer(level, field::locale, cloneSatellite(satellites.locale, Record::Kind::locale));
         startList(level, satellites.list);
         return true;
-    }
-
-    void appendCopy(Record::Base& copy, const std::uint32_t* parent) {
-        const std::uint8_t kind = copy.view().kind();
-        const auto flags = static_cast<std::uint8_t>(copy.view().load(field::flags) | changes_.addedFlags);
-        copy.set(field::openCount, std::uint32_t{0});
-        copy.set(field::flags, flags);
-        copy.set(field::locale, std::uint32_t{IDataStore::BADOFF});
-        if (parent) copy.set(field::parent, *parent);
-        if (kind != kPrimitive) copy.set(field::children, std::uint32_t{IDataStore::BADOFF});
-        if (kind == kTable) copy.set(field::defaults, std::uint32_t{IDataStore::BADOFF});
-        copy.commit();
     }
 
     // The record's bytes, if it is of that kind, as a new record of the target; BADOFF if not.
@@ -280,6 +295,8 @@ class Cloner {
 
 std::uint32_t cloneSubtree(IDataStore* source, std::uint32_t offset, IDataStore* target,
                            const CloneChanges& changes) {
+    Record::Base plain(target);
+    if (clonePlain(source, offset, plain, changes)) return plain.offset();
     return Cloner(source, target, changes).clone(offset);
 }
 

@@ -1,5 +1,12 @@
 // From a handle to its facet. What the handle says of itself comes first; the cast then finds that it has
 // such a facet at all, which one that was made without does not.
+#include <typeinfo>
+
+#include "impl/DesignPrimitiveImpl.h"
+#include "impl/DesignTableImpl.h"
+#include "impl/GroupImpl.h"
+#include "impl/LinkImpl.h"
+#include "impl/NodeImpl.h"
 #include "norvane/platform/data/metadata/IPrimitive.h"
 #include "norvane/platform/data/metadata/ITable.h"
 #include "norvane/platform/data/structure/ContainerKind.h"
@@ -11,9 +18,13 @@ namespace norvane::platform::data {
 
 namespace {
 
-template <class Facet, class Handle>
+// A cast across the bases of a class takes long; that there is a facet, the one class of our own that has it
+// says as well.
+template <class Facet, class Impl, class Handle>
 Facet* facetOf(Handle* handle, std::uint32_t kind) {
-    return handle && handle->kind() == kind ? dynamic_cast<Facet*>(handle) : nullptr;
+    if (!handle || handle->kind() != kind) return nullptr;
+    if (typeid(*handle) == typeid(Impl)) return static_cast<Impl*>(handle);
+    return dynamic_cast<Facet*>(handle);
 }
 
 constexpr std::uint32_t kPrimitive = 0;  // what IProperty::kind answers
@@ -23,19 +34,21 @@ constexpr std::uint32_t kTable = 1;
 
 namespace structure {
 
-INode* INode::to(IContainer* container) { return facetOf<INode>(container, kNode); }
+INode* INode::to(IContainer* container) { return facetOf<INode, NodeImpl>(container, kNode); }
 
-IGroup* IGroup::to(IContainer* container) { return facetOf<IGroup>(container, kGroup); }
+IGroup* IGroup::to(IContainer* container) { return facetOf<IGroup, GroupImpl>(container, kGroup); }
 
-ILink* ILink::to(IContainer* container) { return facetOf<ILink>(container, kLink); }
+ILink* ILink::to(IContainer* container) { return facetOf<ILink, LinkImpl>(container, kLink); }
 
 }  // namespace structure
 
 namespace metadata {
 
-IPrimitive* IPrimitive::to(IProperty* property) { return facetOf<IPrimitive>(property, kPrimitive); }
+IPrimitive* IPrimitive::to(IProperty* property) {
+    return facetOf<IPrimitive, DesignPrimitiveImpl>(property, kPrimitive);
+}
 
-ITable* ITable::to(IProperty* property) { return facetOf<ITable>(property, kTable); }
+ITable* ITable::to(IProperty* property) { return facetOf<ITable, DesignTableImpl>(property, kTable); }
 
 }  // namespace metadata
 

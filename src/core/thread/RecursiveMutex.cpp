@@ -75,13 +75,14 @@ void RecursiveMutex::lock() {
         return;
     }
     if (!mutex_.try_lock()) WaitGraph::instance().wait(*this);
-    owner_.store(self);
+    owner_.store(self,
+                 std::memory_order_relaxed);  // who waits later shows it to the others by the graph's mutex
     depth_ = 1;
 }
 
 void RecursiveMutex::unlock() noexcept {
     if (--depth_ != 0) return;
-    owner_.store(0);
+    owner_.store(0, std::memory_order_relaxed);
     mutex_.unlock();
 }
 

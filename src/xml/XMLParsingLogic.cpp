@@ -5,6 +5,16 @@
 
 namespace norvane::platform::data {
 
+namespace {
+
+// What is a small letter or a digit in ASCII stays so whatever the host's locale is.
+char lowerOf(char c) {
+    if ((c >= 'a' && c <= 'z') || (c >= '0' && c <= '9')) return c;
+    return static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+}
+
+}  // namespace
+
 XMLParsingLogic::XMLParsingLogic(IDataStore* store, Metadata::Item* target, metadata::ISchemaLocator* locator,
                                  format::xml::IErrorReporter* reporter)
     : store_(store), target_(target), locator_(locator), reporter_(reporter), handlers_(store, locator) {}
@@ -59,8 +69,7 @@ void XMLParsingLogic::failElement(std::string_view name, std::u16string_view mes
 
 std::string_view XMLParsingLogic::lower(const char* name) {
     std::size_t length = 0;
-    for (; length < kNameLimit && name[length] != '\0'; ++length)
-        lowerName_[length] = static_cast<char>(std::tolower(static_cast<unsigned char>(name[length])));
+    for (; length < kNameLimit && name[length] != '\0'; ++length) lowerName_[length] = lowerOf(name[length]);
     return {lowerName_, length};
 }
 

@@ -4,6 +4,7 @@
 
 #include "contract/Model.h"
 #include "contract/PlainModel.h"
+#include "support/Rounds.h"
 
 namespace norvane::platform::test {
 namespace {
@@ -474,7 +475,7 @@ class Program {
 class RandomProgramsTest : public ::testing::TestWithParam<unsigned> {};
 
 TEST_P(RandomProgramsTest, AgreesWithThePlainModel) {
-    for (unsigned i = 0; i < 40 && !HasFailure(); ++i) {
+    for (unsigned i = 0; i < rounds(40) && !HasFailure(); ++i) {
         SCOPED_TRACE("seed " + std::to_string(GetParam() * 1000 + i));
         Program program(GetParam() * 1000 + i);
         program.run(300);

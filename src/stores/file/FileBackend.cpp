@@ -22,7 +22,13 @@ using Options = FileDataStore::Options;
 // What both kinds of opening have in common.
 class OpenBackend : public FileBackend {
   public:
-    OpenBackend(const std::string& path, OpenFile::Purpose purpose) { session_.emplace(path, purpose); }
+    OpenBackend(const std::string& path, OpenFile::Purpose purpose)
+        : session_(std::make_unique<Session>(path, purpose)) {}
+    // What a forked process has of the session is left lying: to close it would drop the locks of the one
+    // that has opened it, and write its log back.
+    ~OpenBackend() override {
+        if (session_ && !isFromHere()) static_cast<void>(session_.release());
+    }
 
     const StoreMeta& meta() const override { return base_.meta; }
     bool load(std::uint32_t offset, LoadTarget& target) override;
@@ -34,11 +40,13 @@ class OpenBackend : public FileBackend {
 
     const std::string& path() const { return session_->path(); }
     Connection& connection() { return session_->connection(); }
+    bool isFromHere() const { return session_->file().isFromHere(); }
     void requireOpen() const {
         if (!session_) throw StoreError(Code::closed, "the store is closed", IDataStore::BADOFF);
+        if (!isFromHere()) fail(Code::wrongState, path(), "opened by another process");
     }
 
-    std::optional<Session> session_;
+    std::unique_ptr<Session> session_;
     LiveMap live_;
     MetaRow base_;
 };
@@ -87,7 +95,11 @@ class Reader final : public OpenBackend {
         return base_ != before;
     }
 
-    void close() override { session_.reset(); }
+    void close() override {
+        if (!session_) return;
+        requireOpen();
+        session_.reset();
+    }
 
   protected:
     // After a refresh that has failed, the revision from before may be there still, or not.
@@ -127,7 +139,9 @@ class Writer final : public OpenBackend {
         base_ = connection().beginReading();
         connection().endReading();
     }
-    ~Writer() override { Writer::close(); }
+    ~Writer() override {
+        if (session_ && isFromHere()) Writer::close();
+    }
 
     void commit(std::span<const Change> changes, const StoreMeta& meta) override;
     bool refresh() override;
@@ -298,6 +312,7 @@ void Writer::compact() {
 
 void Writer::close() {
     if (!session_) return;
+    requireOpen();
     if (isDoubtful_) giveUpConnection();
     if (isDoubtful_)
         session_->abandon();

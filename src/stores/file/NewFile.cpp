@@ -52,7 +52,7 @@ std::string folderOf(const std::string& path) { return path.substr(0, path.find_
 
 }  // namespace
 
-NewFile::NewFile(const std::string& path) : path_(path) {
+NewFile::NewFile(const std::string& path) : process_(::getpid()), path_(path) {
     struct stat status {};
     if (::lstat(path_.c_str(), &status) == 0) fail(Code::exists, path_, "there is such a file already");
     draft_ = takeDraft(path_);
@@ -66,12 +66,21 @@ NewFile::NewFile(const std::string& path) : path_(path) {
 }
 
 NewFile::~NewFile() {
+    if (::getpid() != process_) {
+        static_cast<void>(connection_.release());
+        return;
+    }
     connection_.reset();
     if (!draft_.empty()) remove();
 }
 
+Connection& NewFile::connection() {
+    if (::getpid() != process_) fail(Code::wrongState, path_, "begun by another process");
+    return *connection_;
+}
+
 void NewFile::publish() {
-    connection_->commit();
+    connection().commit();
     connection_->database().run("PRAGMA journal_mode=WAL", Doing::writing);
     connection_.reset();
     sync();

@@ -44,6 +44,7 @@ struct Key {
 
 // What this process has to do with one file.
 struct Users {
+    pid_t process = ::getpid();
     std::size_t count = 0;
     bool hasWriter = false;
     std::vector<int> parked;  // descriptors to be closed when nobody has the file open
@@ -103,11 +104,15 @@ int openDescriptor(const std::string& path, bool isForWriting) {
 
 }  // namespace
 
-OpenFile::OpenFile(const std::string& path, Purpose purpose) : path_(path), purpose_(purpose) {
+OpenFile::OpenFile(const std::string& path, Purpose purpose)
+    : path_(path), purpose_(purpose), process_(::getpid()) {
     const std::lock_guard lock(registry().mutex);
     const struct stat before = statusOf(path_);
     if (!S_ISREG(before.st_mode)) fail(Code::notAStore, path_, "not a file");
     const auto found = registry().users.find({before.st_dev, before.st_ino});
+    if (found != registry().users.end() && found->second.process != process_)
+        fail(purpose == Purpose::write ? Code::inUse : Code::notReadable, path_,
+             "the process that this one was forked from has it open");
     if (purpose == Purpose::write && found != registry().users.end() && found->second.hasWriter)
         failInUse(path_, "this process");
 
@@ -125,6 +130,7 @@ OpenFile::OpenFile(const std::string& path, Purpose purpose) : path_(path), purp
 }
 
 OpenFile::~OpenFile() {
+    if (!isFromHere()) return;
     const std::lock_guard lock(registry().mutex);
     if (purpose_ == Purpose::write) {
         setWriterLock(descriptor_, F_UNLCK);
@@ -178,6 +184,8 @@ std::uint64_t OpenFile::nextData(std::uint64_t position) const {
     if (found >= 0) return static_cast<std::uint64_t>(found);
     return errno == ENXIO ? size() : position;
 }
+
+bool OpenFile::isFromHere() const noexcept { return ::getpid() == process_; }
 
 OpenFile::Stamp OpenFile::stamp() const {
     struct stat status {};

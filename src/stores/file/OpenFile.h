@@ -20,7 +20,8 @@ class OpenFile {
     enum class Purpose { read, write };
 
     // The path is one without symbolic links. Throws `inUse` where another writer has the file, `notAStore`
-    // for what is no file, and what the system refuses.
+    // for what is no file, and what the system refuses. Where the process that this one was forked from had
+    // the file open, it is `inUse` or `notReadable`: SQLite takes that one's locks for this one's.
     OpenFile(const std::string& path, Purpose purpose);
     OpenFile(const OpenFile&) = delete;
     OpenFile& operator=(const OpenFile&) = delete;
@@ -44,6 +45,10 @@ class OpenFile {
     // Waits until another change would get another stamp: the system's clock for them goes in steps.
     Stamp settledStamp() const;
 
+    // False in a process that was forked from the one that has opened the file. Its copies of locks and
+    // connections are the other one's, and nothing is to be done with them.
+    bool isFromHere() const noexcept;
+
     // False if the path now leads to another file, or to none.
     bool isStillThere() const noexcept;
     // True if there is a writer, here or in another process.
@@ -59,6 +64,7 @@ class OpenFile {
 
     std::string path_;
     Purpose purpose_;
+    pid_t process_;
     int descriptor_ = -1;
     dev_t device_ = 0;
     ino_t inode_ = 0;

@@ -23,6 +23,16 @@ class SharingTest : public testing::Test {
         return std::find(pins.begin(), pins.end(), process) != pins.end();
     }
 
+    // Runs a step in a process that has a copy of all there is here; its result is what the step answers.
+    template <class Step>
+    static int inForked(Step&& step) {
+        const pid_t child = ::fork();
+        if (child == 0) ::_exit(step());
+        int status = 0;
+        ::waitpid(child, &status, 0);
+        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    }
+
     const Folder folder_;
     const std::string path_ = folder_ / "model.qvt";
     Revision revision_;
@@ -50,6 +60,58 @@ TEST_F(SharingTest, AKilledWriterKeepsNobodyOut) {
     peer.kill();
 
     EXPECT_NO_THROW(openWriter(path_));
+}
+
+// A process that is forked has a copy of every store, and destroys it when it exits.
+TEST_F(SharingTest, AForkedProcessThatDropsItsCopyOfAWriterTakesNothingFromIt) {
+    Peer peer(path_);
+    auto writer = openWriter(path_);
+    commit(*writer, revision_, {{0, "x"}});
+    const std::string log = contentOf(path_ + "-wal");
+
+    const int dropped = inForked([&] {
+        writer.reset();
+        return 0;
+    });
+
+    EXPECT_EQ(dropped, 0);
+    EXPECT_FALSE(peer.write());
+    EXPECT_EQ(contentOf(path_ + "-wal"), log);
+    commit(*writer, revision_, {{1, "y"}});
+    EXPECT_EQ(revisionOf(*writer), revision_);
+    writer->close();
+    EXPECT_TRUE(peer.write());
+}
+
+TEST_F(SharingTest, NothingCanBeDoneWithAStoreThatAnotherProcessHasOpened) {
+    const auto writer = openWriter(path_);
+    commit(*writer, revision_, {{0, "x"}});
+    const auto reader = openReader(path_);
+    const auto isRefused = [](auto&& step) { return codeOfFailure(step) == Code::wrongState; };
+
+    const int answers = inForked([&] {
+        int count = 0;
+        for (FileBackend* backend : {writer.get(), reader.get()}) {
+            count += isRefused([&] { loaded(*backend, 0); });
+            count += isRefused([&] { backend->refresh(); });
+            count += isRefused([&] { backend->commit({}, revision_.meta); });
+            count += isRefused([&] { backend->compact(); });
+            count += isRefused([&] { backend->logStatus(); });
+            count += isRefused([&] { backend->close(); });
+        }
+        return count;
+    });
+
+    EXPECT_EQ(answers, 12);
+    EXPECT_EQ(loaded(*writer, 0), "x");
+}
+
+// SQLite would take the locks of the other process for its own.
+TEST_F(SharingTest, AForkedProcessDoesNotOpenWhatIsOpenAlready) {
+    const auto writer = openWriter(path_);
+
+    EXPECT_EQ(inForked([&] { return codeOfFailure([&] { openWriter(path_); }) == Code::inUse; }), 1);
+    EXPECT_EQ(inForked([&] { return codeOfFailure([&] { openReader(path_); }) == Code::notReadable; }), 1);
 }
 
 // To close a descriptor of a file drops the locks of all others in the process.

@@ -1,6 +1,9 @@
 #include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <algorithm>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -271,6 +274,25 @@ TEST(StoreFileWriterTest, LeavesNothingBehindUnlessItIsFinished) {
     }
 
     EXPECT_TRUE(std::filesystem::is_empty(folder.path()));
+}
+
+TEST(StoreFileWriterTest, AForkedProcessThatDropsItsCopyTakesNothingFromIt) {
+    const Folder folder;
+    std::optional<StoreFileWriter> writer(folder / "model.qvt");
+    writer->put(0, "x", 1);
+
+    const pid_t child = ::fork();
+    if (child == 0) {
+        const bool isRefused = codeOfFailure([&] { writer->put(1, "y", 1); }) == Code::wrongState;
+        writer.reset();
+        ::_exit(isRefused ? 0 : 1);
+    }
+    int status = 0;
+    ::waitpid(child, &status, 0);
+
+    EXPECT_EQ(status, 0);
+    writer->finish(0, 1);
+    EXPECT_EQ(recordsOf(*openReader(folder / "model.qvt")), (Records{{0, "x"}}));
 }
 
 TEST(StoreFileWriterTest, DoesNotWriteOverAnything) {

@@ -39,9 +39,10 @@ namespace norvane::platform::core::storage::datastore {
 /// since the last commit, or since the `Transaction` began: they can still be dropped, but are not counted.
 ///
 /// One writer, many readers. A store opened for writing keeps all other writers out, in this process and in
-/// others, until it is closed; a killed process keeps nobody out. A store opened for reading goes on seeing
-/// the revision it has opened until `refresh`. It takes writes that concern open counts alone and refuses
-/// every other change.
+/// others, until it is closed; a killed process keeps nobody out, unless one that it has forked still lives.
+/// In a forked process the store throws `wrongState` where it would need the file, destroying it does
+/// nothing, and the file cannot be opened. A store opened for reading goes on seeing the revision it has
+/// opened until `refresh`. It takes writes that concern open counts alone and refuses every other change.
 ///
 /// `lock` gives guards that are re-entrant within a thread; other threads wait. Where waiting would never
 /// end, because the threads wait for each other's stores, it throws `std::system_error` with

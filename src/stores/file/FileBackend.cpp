@@ -299,12 +299,12 @@ void Writer::compact() {
     try {
         connection().database().run("PRAGMA temp_store=FILE", Doing::writing);
         connection().database().run("VACUUM", Doing::writing);
+        logEnd_.reset();
         connection().database().run("PRAGMA temp_store=MEMORY", Doing::writing);
     } catch (...) {
         giveUpConnection();
         throw;
     }
-    logEnd_.reset();
     trimAbove_ = 0;
     const int answer = emptyLog(connection().database());
     if (answer != SQLITE_OK && answer != SQLITE_BUSY) giveUpConnection();

@@ -72,16 +72,22 @@ bool isReader(const LockLine& lock, const struct stat& index) {
 LogEnd LogEnd::of(Database& database) {
     LogEnd end;
     end.pageSize_ = pageSizeOf(database);
+    if (!end.lookUp(database)) database.fail(SQLITE_CANTOPEN, Doing::writing);
+    return end;
+}
+
+// What the index that connections share says.
+bool LogEnd::lookUp(Database& database) noexcept {
     sqlite3_file* file = fileOf(database, SQLITE_FCNTL_FILE_POINTER);
     void volatile* index = nullptr;
     const int answer = file && file->pMethods->iVersion >= 2
                            ? file->pMethods->xShmMap(file, 0, kIndexRegion, 0, &index)
                            : SQLITE_CANTOPEN;
-    if (answer != SQLITE_OK || !index) database.fail(SQLITE_CANTOPEN, Doing::writing);
+    if (answer != SQLITE_OK || !index) return false;
     const auto* bytes = static_cast<const std::byte*>(const_cast<void*>(index));
-    std::memcpy(&end.frameCount_, bytes + kFrameCountAt, sizeof end.frameCount_);
-    std::memcpy(end.salts_.data(), bytes + kSaltsInIndexAt, end.salts_.size());
-    return end;
+    std::memcpy(&frameCount_, bytes + kFrameCountAt, sizeof frameCount_);
+    std::memcpy(salts_.data(), bytes + kSaltsInIndexAt, salts_.size());
+    return true;
 }
 
 bool LogEnd::cutBack(Database& database) const noexcept {
@@ -91,10 +97,13 @@ bool LogEnd::cutBack(Database& database) const noexcept {
     const int answer = log->pMethods->xRead(log, salts.data(), static_cast<int>(salts.size()), kSaltsInLogAt);
     if (answer == SQLITE_IOERR_SHORT_READ) return cutTo(log, 0);
     if (answer != SQLITE_OK) return false;
+    LogEnd now = *this;
+    if (!now.lookUp(database)) return false;
     // A log that has begun anew was written back whole before.
-    const bool isAnother = salts != salts_;
+    std::uint32_t count = salts == salts_ ? frameCount_ : 0;
+    if (salts == now.salts_) count = std::max(count, now.frameCount_);
     const auto frameSize = static_cast<sqlite3_int64>(pageSize_) + kFrameHeader;
-    return cutTo(log, isAnother || frameCount_ == 0 ? 0 : kLogHeader + frameCount_ * frameSize);
+    return cutTo(log, count == 0 ? 0 : kLogHeader + count * frameSize);
 }
 
 std::string logPathOf(const std::string& path) { return path + "-wal"; }

@@ -20,10 +20,13 @@ class LogEnd {
     static LogEnd of(Database& database);
 
     // Takes away what a commit that has failed may have left behind this end: found by whoever opens the file
-    // next, it could pass for committed. False if that fails too. Readers never look behind the end.
+    // next, it could pass for committed. What was committed since stays. False if that fails too. Readers
+    // never look behind the end.
     bool cutBack(Database& database) const noexcept;
 
   private:
+    bool lookUp(Database& database) noexcept;
+
     std::uint32_t frameCount_ = 0;
     std::uint32_t pageSize_ = 0;
     std::array<std::byte, 8> salts_{};  // other ones when the log has begun anew

@@ -8,6 +8,7 @@
 #include <thread>
 
 #include "stores/file/Connection.h"
+#include "stores/file/Log.h"
 #include "unit/filestore/Backends.h"
 #include "unit/filestore/Peer.h"
 
@@ -222,6 +223,30 @@ TEST_F(SharingTest, ARevisionByAnotherHandFencesTheWriter) {
     EXPECT_EQ(codeOfFailure([&] { commit(*writer, revision_, {{1, "y"}}); }), Code::fenced);
     EXPECT_EQ(codeOfFailure([&] { loaded(*writer, 0); }), Code::fenced);
     EXPECT_EQ(codeOfFailure([&] { writer->compact(); }), Code::fenced);
+}
+
+TEST_F(SharingTest, WhatWasCommittedSinceIsNotCutFromTheLog) {
+    const auto writer = openWriter(path_);
+    commit(*writer, revision_, {{0, "x"}});
+    const auto commitAnother = [](Connection& connection) {
+        connection.beginWriting();
+        MetaRow row = connection.meta();
+        ++row.meta.revision;
+        connection.putMeta(row);
+        connection.commit();
+    };
+    Connection other(path_, Database::Mode::write);
+    const LogEnd before = LogEnd::of(other.database());
+    commitAnother(other);
+
+    EXPECT_TRUE(before.cutBack(other.database()));
+
+    EXPECT_EQ(other.meta().meta.revision, 2u);
+    ASSERT_EQ(emptyLog(other.database()), SQLITE_OK);
+    commitAnother(other);
+    EXPECT_TRUE(before.cutBack(other.database()));
+    EXPECT_EQ(other.meta().meta.revision, 3u);
+    other.database().keepLog();
 }
 
 TEST_F(SharingTest, ALockOfAnotherHandIsWaitedForAShortTimeOnly) {

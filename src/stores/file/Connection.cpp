@@ -20,12 +20,12 @@ bool areNumbers(const Statement& row, int first, int last) {
 }  // namespace
 
 Connection::Statements::Statements(Database& database)
-    : meta(database, "SELECT version, next, records, revision, token, crc FROM meta WHERE id = 1",
+    : meta(database, "SELECT version, next, records, revision, token, previous, crc FROM meta WHERE id = 1",
            Doing::reading),
-      putMeta(
-          database,
-          "REPLACE INTO meta(id, version, next, records, revision, token, crc) VALUES(1, ?, ?, ?, ?, ?, ?)",
-          Doing::writing),
+      putMeta(database,
+              "REPLACE INTO meta(id, version, next, records, revision, token, previous, crc) VALUES(1, ?, ?, "
+              "?, ?, ?, ?, ?)",
+              Doing::writing),
       record(database, "SELECT crc, data FROM record WHERE id = ?", Doing::reading),
       addRecord(database, "INSERT INTO record(id, crc, data) VALUES(?, ?, ?)", Doing::writing),
       changeRecord(database, "UPDATE record SET crc = ?2, data = ?3 WHERE id = ?1", Doing::writing),
@@ -85,14 +85,15 @@ void Connection::endReading() noexcept {
 MetaRow Connection::meta() {
     Statement& row = statements_->meta;
     const Rows atEnd(row);
-    if (!row.step() || !areNumbers(row, 0, 5)) failDamaged("says nothing of itself", IDataStore::BADOFF);
+    if (!row.step() || !areNumbers(row, 0, 6)) failDamaged("says nothing of itself", IDataStore::BADOFF);
     MetaRow found;
     found.meta.version = static_cast<std::uint32_t>(row.number(0));
     found.meta.next = static_cast<std::uint64_t>(row.number(1));
     found.meta.recordCount = static_cast<std::uint64_t>(row.number(2));
     found.meta.revision = static_cast<std::uint64_t>(row.number(3));
     found.token = row.number(4);
-    if (row.number(0) != found.meta.version || row.number(5) != checksumOf(found) || !isPlausible(found.meta))
+    found.previous = row.number(5);
+    if (row.number(0) != found.meta.version || row.number(6) != checksumOf(found) || !isPlausible(found.meta))
         failDamaged("what it says of itself has a wrong checksum", IDataStore::BADOFF);
     return found;
 }
@@ -103,7 +104,8 @@ void Connection::putMeta(const MetaRow& row) {
         .bind(3, static_cast<std::int64_t>(row.meta.recordCount))
         .bind(4, static_cast<std::int64_t>(row.meta.revision))
         .bind(5, row.token)
-        .bind(6, checksumOf(row))
+        .bind(6, row.previous)
+        .bind(7, checksumOf(row))
         .run();
 }
 

@@ -253,7 +253,7 @@ void Writer::apply(std::span<const Change> changes, const StoreMeta& meta) {
         if (wasLive && change.isRemoved) connection().erase(change.offset);
     }
     live_.write(connection(), blocks, blockCount(meta.next));
-    attempt_ = {meta, newToken()};
+    attempt_ = {meta, newToken(), base_.token};
     attempt_.meta.revision = base_.meta.revision + 1;
     connection().putMeta(attempt_);
     connection().commit();
@@ -323,7 +323,7 @@ void Writer::close() {
 
 void makeFile(const std::string& path) {
     NewFile file(path);
-    file.connection().putMeta({{}, newToken()});
+    file.connection().putMeta({{}, newToken(), 0});
     file.publish();
 }
 

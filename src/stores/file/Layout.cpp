@@ -81,7 +81,8 @@ Checksum checksumOfBlock(std::uint32_t block, std::span<const std::byte> bits) {
 Checksum checksumOf(const MetaRow& row) {
     std::uint32_t crc = crcWith(crcWith(0, "meta"), row.meta.version);
     for (const std::uint64_t number :
-         {row.meta.next, row.meta.recordCount, row.meta.revision, static_cast<std::uint64_t>(row.token)})
+         {row.meta.next, row.meta.recordCount, row.meta.revision, static_cast<std::uint64_t>(row.token),
+          static_cast<std::uint64_t>(row.previous)})
         crc = crcWith(crc, number);
     return static_cast<Checksum>(crc);
 }

@@ -24,7 +24,7 @@ struct Table {
 inline constexpr std::array<Table, 4> kTables{{
     {"meta",
      "CREATE TABLE meta(id INTEGER PRIMARY KEY, version INTEGER, next INTEGER, records INTEGER, "
-     "revision INTEGER, token INTEGER, crc INTEGER)"},
+     "revision INTEGER, token INTEGER, previous INTEGER, crc INTEGER)"},
     {"record", "CREATE TABLE record(id INTEGER PRIMARY KEY, crc INTEGER, data BLOB)"},
     {"part", "CREATE TABLE part(id INTEGER PRIMARY KEY, data BLOB)"},
     {"live", "CREATE TABLE live(block INTEGER PRIMARY KEY, crc INTEGER, bits BLOB)"},
@@ -33,12 +33,14 @@ inline constexpr std::array<Table, 4> kTables{{
 // The only row of `meta`.
 struct MetaRow {
     StoreMeta meta;
-    std::int64_t token = 0;  // drawn anew for every attempt to commit
+    std::int64_t token = 0;     // drawn anew for every attempt to commit
+    std::int64_t previous = 0;  // the token of the revision before
 
     friend bool operator==(const MetaRow&, const MetaRow&) = default;
 };
 std::int64_t newToken();
 inline constexpr std::int64_t kMetaId = 1;
+inline constexpr std::uint32_t kMetaPage = 2;  // where its table begins, being the first one
 inline constexpr std::uint64_t kEndOfOffsets = 0xFFFFFFFFu;
 
 // Part n of a record stands at record * kMostParts + n.

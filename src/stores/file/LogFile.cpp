@@ -4,11 +4,15 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <bit>
 #include <cerrno>
+#include <cstring>
 #include <map>
+#include <optional>
 
 #include "stores/file/Log.h"
 #include "stores/file/OpenFile.h"
+#include "stores/file/RawRow.h"
 
 namespace norvane::platform::core::storage::datastore {
 namespace {
@@ -18,11 +22,21 @@ constexpr std::size_t kFrameHead = 24;
 constexpr std::size_t kSummedHead = 8;  // of a frame
 constexpr std::uint32_t kLogMagic = 0x377F0682;
 
-std::uint32_t littleEndian(std::span<const std::byte> bytes) {
+// In the order of bytes of this machine, or in the other one.
+template <bool kIsSwapped>
+std::uint32_t numberIn(const std::byte* bytes) {
     std::uint32_t number = 0;
-    for (std::size_t at = bytes.size(); at != 0; --at)
-        number = number << 8 | std::to_integer<std::uint32_t>(bytes[at - 1]);
-    return number;
+    std::memcpy(&number, bytes, sizeof number);
+    return kIsSwapped ? __builtin_bswap32(number) : number;
+}
+
+template <bool kIsSwapped>
+void addTo(std::array<std::uint32_t, 2>& sum, std::span<const std::byte> bytes) {
+    const std::byte* const end = bytes.data() + bytes.size() / 8 * 8;
+    for (const std::byte* at = bytes.data(); at != end; at += 8) {
+        sum[0] += numberIn<kIsSwapped>(at) + sum[1];
+        sum[1] += numberIn<kIsSwapped>(at + 4) + sum[0];
+    }
 }
 
 }  // namespace
@@ -44,7 +58,7 @@ void LogFile::readHead() {
     if (!readAt(0, head)) return;
     const std::span<const std::byte> bytes(head);
     const std::uint32_t magic = bigEndian(bytes.first(4));
-    isBigEndian_ = magic == (kLogMagic | 1);
+    isSwapped_ = (magic == (kLogMagic | 1)) != (std::endian::native == std::endian::big);
     std::copy_n(head.begin() + 16, salts_.size(), salts_.begin());
     stored_ = {bigEndian(bytes.subspan(24, 4)), bigEndian(bytes.subspan(28, 4))};
     hasHead_ = (magic & ~1u) == kLogMagic && bigEndian(bytes.subspan(8, 4)) == kPageSize &&
@@ -64,11 +78,10 @@ bool LogFile::readAt(std::uint64_t position, std::span<std::byte> buffer) const 
 }
 
 LogFile::Sum LogFile::sumFrom(Sum sum, std::span<const std::byte> bytes) const {
-    const auto number = isBigEndian_ ? bigEndian : littleEndian;
-    for (std::size_t at = 0; at + 8 <= bytes.size(); at += 8) {
-        sum[0] += number(bytes.subspan(at, 4)) + sum[1];
-        sum[1] += number(bytes.subspan(at + 4, 4)) + sum[0];
-    }
+    if (isSwapped_)
+        addTo<true>(sum, bytes);
+    else
+        addTo<false>(sum, bytes);
     return sum;
 }
 
@@ -90,6 +103,12 @@ bool LogFile::next(Frame& frame) {
 }
 
 bool LogFile::readPage(std::uint64_t position, Page& page) const { return readAt(position, page); }
+
+Page LogFile::lastPage() const {
+    Page page;
+    std::copy(bytes_.begin() + kFrameHead, bytes_.end(), page.begin());
+    return page;
+}
 
 namespace {
 
@@ -115,26 +134,67 @@ bool isWrittenBack(const OpenFile& file) {
     });
 }
 
+// What a page says that `meta` begins in; none if it is not sound or not that page.
+std::optional<MetaRow> metaIn(const Page& page) {
+    if (page[0] != kLeafPage) return std::nullopt;
+    for (const std::uint16_t place : rowPlaces(page, 0))
+        if (const auto row = rowAt(page, place))
+            if (const auto meta = metaOf(*row)) return meta;
+    return std::nullopt;
+}
+
+// What a look at a log from its beginning to its end finds.
+struct LogLook {
+    explicit LogLook(LogFile& log);
+    bool fits(const OpenFile& file) const;
+
+    bool hasCommitsBehindGap = false;
+    // What each commit before the gap says of itself. A commit without that cannot be told from another.
+    std::vector<MetaRow> commits;
+    bool areCommitsKnown = true;
+};
+
 // Commits are synced one by one, and what a failed one has left is cut off before the next begins. So no
 // crash leaves anything behind a commit that is behind a gap.
-bool hasCommitsBehindGap(LogFile& log) {
+LogLook::LogLook(LogFile& log) {
     bool hasGap = !log.hasHead();
     bool isAfterCommit = false;
+    std::optional<MetaRow> meta;
     for (LogFile::Frame frame; log.next(frame);) {
         const bool isGood = frame.isOfThisLog && frame.isSound;
-        if (isGood && hasGap && isAfterCommit) return true;
+        hasCommitsBehindGap = hasCommitsBehindGap || (isGood && hasGap && isAfterCommit);
+        if (hasCommitsBehindGap) return;
         hasGap = hasGap || !isGood;
         isAfterCommit = isGood && frame.pagesAfter != 0;
+        if (hasGap) continue;
+        if (frame.page == kMetaPage) meta = metaIn(log.lastPage());
+        if (!isAfterCommit) continue;
+        areCommitsKnown = areCommitsKnown && meta;
+        if (meta) commits.push_back(*meta);
+        meta.reset();
     }
-    return false;
+}
+
+// A log begins when all that was committed before is in the file, and is written back from its beginning on.
+// Where a crash has left the page of the file torn there is nothing to compare.
+bool LogLook::fits(const OpenFile& file) const {
+    Page page{};
+    file.readAt(std::uint64_t{kMetaPage - 1} * kPageSize, page);
+    const auto found = metaIn(page);
+    if (!found || !areCommitsKnown || commits.empty() || found->token == commits.front().previous)
+        return true;
+    return std::any_of(commits.begin(), commits.end(),
+                       [&](const MetaRow& commit) { return commit.token == found->token; });
 }
 
 }  // namespace
 
 // A log that begins anew gets a new head first; what stands behind it was written back before.
-bool isLogSound(const OpenFile& file) {
+LogState stateOfLog(const OpenFile& file) {
     LogFile log(file.path());
-    return !hasCommitsBehindGap(log) || (!log.hasHead() && isWrittenBack(file));
+    const LogLook look(log);
+    if (look.hasCommitsBehindGap && (log.hasHead() || !isWrittenBack(file))) return LogState::damaged;
+    return look.fits(file) ? LogState::sound : LogState::ofAnotherFile;
 }
 
 }  // namespace norvane::platform::core::storage::datastore

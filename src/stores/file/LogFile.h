@@ -38,6 +38,8 @@ class LogFile {
     // The next frame, whether sound or not; false behind the last.
     bool next(Frame& frame);
     bool readPage(std::uint64_t position, Page& page) const;
+    // The page of the frame that came last.
+    Page lastPage() const;
 
   private:
     using Sum = std::array<std::uint32_t, 2>;
@@ -48,15 +50,21 @@ class LogFile {
 
     int descriptor_ = -1;
     bool hasHead_ = false;
-    bool isBigEndian_ = false;
+    bool isSwapped_ = false;
     std::array<std::byte, 8> salts_{};
     Sum stored_{};  // in the frame before
     std::uint64_t position_ = 0;
     std::vector<std::byte> bytes_;
 };
 
-// False if commits stand in the log behind a place that is damaged: they were acknowledged, and SQLite would
-// pass them over. A log that ends in one commit that is not whole is what a crash leaves.
-bool isLogSound(const OpenFile& file);
+enum class LogState : std::uint8_t {
+    // There may be none. One that ends in one commit that is not whole is what a crash leaves.
+    sound,
+    // Commits stand behind a place that is damaged: they were acknowledged, and SQLite would pass them over.
+    damaged,
+    // What the file has is neither what the log began with nor one of its commits.
+    ofAnotherFile,
+};
+LogState stateOfLog(const OpenFile& file);
 
 }  // namespace norvane::platform::core::storage::datastore

@@ -110,7 +110,7 @@ bool RawRow::looksLikePart() const {
 }
 
 bool RawRow::looksLikeMeta() const {
-    return columnCount == 7 && columns[0].size == 0 && id == kMetaId && overflow == 0;
+    return columnCount == 8 && columns[0].size == 0 && id == kMetaId && overflow == 0;
 }
 
 std::vector<std::uint16_t> rowPlaces(const Page& page, std::size_t head) {
@@ -161,7 +161,7 @@ bool readColumn(const RawFile& file, const RawRow& row, std::size_t column, std:
 
 std::optional<MetaRow> metaOf(const RawRow& row) {
     if (!row.looksLikeMeta()) return std::nullopt;
-    std::array<std::int64_t, 6> numbers{};
+    std::array<std::int64_t, 7> numbers{};
     for (std::size_t at = 0; at < numbers.size(); ++at) {
         const auto number = row.number(at + 1);
         if (!number) return std::nullopt;
@@ -173,7 +173,8 @@ std::optional<MetaRow> metaOf(const RawRow& row) {
     found.meta.recordCount = static_cast<std::uint64_t>(numbers[2]);
     found.meta.revision = static_cast<std::uint64_t>(numbers[3]);
     found.token = numbers[4];
-    if (checksumOf(found) != numbers[5] || !isPlausible(found.meta)) return std::nullopt;
+    found.previous = numbers[5];
+    if (checksumOf(found) != numbers[6] || !isPlausible(found.meta)) return std::nullopt;
     return found;
 }
 

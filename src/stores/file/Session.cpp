@@ -12,14 +12,20 @@ Session::Session(const std::string& path, OpenFile::Purpose purpose) : file_(pat
 }
 
 void Session::checkLog() const {
-    if (!isLogSound(file_))
-        failDamaged(path(), "the log is damaged, and commits stand behind that", IDataStore::BADOFF);
+    switch (stateOfLog(file_)) {
+        case LogState::damaged:
+            failDamaged(path(), "the log is damaged, and commits stand behind that", IDataStore::BADOFF);
+        case LogState::ofAnotherFile:
+            failDamaged(path(), "the log beside it belongs to another file", IDataStore::BADOFF);
+        case LogState::sound:
+            return;
+    }
 }
 
 // As long as there is a writer, the log goes through its hands. One that comes while the log is looked at
 // makes it look strange.
 void Session::connectToRead() {
-    if (!file_.hasWriter() && !isLogSound(file_) && !file_.hasWriter()) checkLog();
+    if (!file_.hasWriter() && stateOfLog(file_) != LogState::sound && !file_.hasWriter()) checkLog();
     unlockedSince_.reset();
     try {
         connection_.emplace(path(), Database::Mode::read);

@@ -95,6 +95,71 @@ TEST_F(DamagedLogTest, ALastCommitThatIsNotWholeIsWhatACrashLeaves) {
     EXPECT_EQ(revisionOf(*writer), revision);
 }
 
+TEST_F(DamagedLogTest, AnOlderCopyOfTheFileDoesNotGoWithALaterLog) {
+    const std::string older = file_;
+    setLog(log_);
+    openWriter(path_)->close();
+    Revision revision = revisions_.back();
+    const auto writer = openWriter(path_);
+    commit(*writer, revision, {{1, "in the log alone"}});
+    log_ = contentOf(path_ + "-wal");
+    const std::string copy = folder_ / "copy.qvt";
+    setContent(copy, older);
+    setContent(copy + "-wal", log_);
+
+    EXPECT_EQ(codeOfFailure([&] { openReader(copy); }), Code::damaged);
+    EXPECT_EQ(codeOfFailure([&] { openWriter(copy); }), Code::damaged);
+    const auto problems = StoreFile::check(copy);
+    ASSERT_EQ(problems.size(), 1u);
+    EXPECT_EQ(problems.front().text, "the log beside it belongs to another file");
+    EXPECT_EQ(contentOf(copy), older);
+    EXPECT_EQ(contentOf(copy + "-wal"), log_);
+}
+
+TEST_F(DamagedLogTest, ALogDoesNotGoWithAnotherStoreOfTheSameRevision) {
+    const std::string other = folder_ / "other.qvt";
+    Revision revision;
+    commit(*openWriter(other), revision, {{0, "something else"}});
+    setContent(other + "-wal", log_);
+
+    EXPECT_EQ(codeOfFailure([&] { openReader(other); }), Code::damaged);
+}
+
+// As when a crash comes in the midst of writing it back.
+TEST_F(DamagedLogTest, ALogGoesWithAFileThatHasSomeOfItsCommits) {
+    setLog(log_);
+    openWriter(path_)->close();
+    const std::string whole = contentOf(path_);
+    for (std::size_t pages = 0; pages <= whole.size() / 4096; ++pages) {
+        SCOPED_TRACE(pages);
+        setLog(log_);
+        const std::size_t done = std::min(pages * 4096, whole.size());
+        setContent(path_, whole.substr(0, done) + (done < file_.size() ? file_.substr(done) : ""));
+        EXPECT_EQ(revisionOf(*openReader(path_)), revisions_.back());
+    }
+}
+
+TEST_F(DamagedLogTest, ALogThatACompactionBeganGoesWithItsFile) {
+    const std::string name = folder_ / "compacted.qvt";
+    Revision revision;
+    FileDataStore::Options options;
+    options.walLimit = 1;
+    const auto writer = openWriter(name, options);
+    for (std::uint32_t count = 0; count < 50; ++count)
+        commit(*writer, revision, {{count, std::string(3000, 'c')}});
+    commit(*writer, revision, {{7, std::nullopt}});
+    ASSERT_EQ(writer->logStatus().bytes, 0u);
+    const auto reader = openReader(name);  // keeps the log from being emptied
+    writer->compact();
+    ASSERT_NE(writer->logStatus().bytes, 0u);
+    commit(*writer, revision, {{8, "after"}});
+
+    setLog(contentOf(name + "-wal"));
+    setContent(path_, contentOf(name));
+
+    EXPECT_EQ(revisionOf(*openReader(path_)), revision);
+}
+
 TEST_F(DamagedLogTest, AnyDamageGivesAWholeRevisionOrIsTold) {
     std::mt19937 random(test::seed());
     int toldCount = 0;

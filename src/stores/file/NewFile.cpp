@@ -85,9 +85,17 @@ void NewFile::publish() {
     connection_.reset();
     sync();
     giveName();
+    keepName();
+}
+
+// A name that may not outlast a power cut is taken back, so that the file can be made again.
+void NewFile::keepName() {
     draft_.clear();
     const Descriptor folder(folderOf(path_), O_RDONLY | O_DIRECTORY);
-    if (!folder.isOpen() || folder.sync() != 0) failSystem(path_, Doing::writing, errno);
+    if (folder.isOpen() && folder.sync() == 0) return;
+    const int error = errno;
+    ::unlink(path_.c_str());
+    failSystem(path_, Doing::writing, error);
 }
 
 void NewFile::sync() const {

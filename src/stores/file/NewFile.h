@@ -30,6 +30,7 @@ class NewFile {
   private:
     void sync() const;
     void giveName();
+    void keepName();
     void remove() const noexcept;
 
     const pid_t process_;

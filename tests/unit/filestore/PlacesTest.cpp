@@ -153,6 +153,22 @@ TEST_F(ReadOnlyFolderTest, AFileThatMayNotBeReadIsNamed) {
         asNobody([&] { return codeOfFailure([&] { openReader(path_); }) == Code::notReadable ? 0 : 1; }), 0);
 }
 
+// The name of a new file lasts only when its folder has been synced, which must be opened for that.
+TEST_F(ReadOnlyFolderTest, AFileWhoseNameMayNotLastIsNotMade) {
+    const std::string closed = folder_ / "closed";
+    std::filesystem::create_directory(closed);
+    ::chmod(closed.c_str(), 0333);
+    closeFolder();
+
+    EXPECT_EQ(asNobody([&] {
+                  return codeOfFailure([&] { openWriter(closed + "/new"); }) == Code::notWritable ? 0 : 1;
+              }),
+              0);
+
+    ::chmod(closed.c_str(), 0755);
+    EXPECT_TRUE(std::filesystem::is_empty(closed));
+}
+
 // A small disk of its own.
 class FullDiskTest : public testing::Test {
   protected:

@@ -141,6 +141,7 @@ class OverlayStore : public IDataStore {
     }
     std::uint32_t recordLimit() override { return overlay.recordLimit(); }
     std::uint64_t changeStamp() override { return overlay.changeStamp(); }
+    Companion* companion(std::unique_ptr<Companion> (*make)()) override { return overlay.companion(make); }
 
     Overlay overlay;
 };

@@ -85,6 +85,10 @@ std::uint32_t FileDataStore::recordLimit() { return contents_->overlay.recordLim
 
 std::uint64_t FileDataStore::changeStamp() { return contents_->overlay.changeStamp(); }
 
+IDataStore::Companion* FileDataStore::companion(std::unique_ptr<Companion> (*make)()) {
+    return contents_->overlay.companion(make);
+}
+
 void FileDataStore::commit() { contents_->overlay.commit(); }
 
 void FileDataStore::rollback() { contents_->overlay.rollback(); }

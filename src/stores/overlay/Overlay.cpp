@@ -132,14 +132,27 @@ void Overlay::prepareChange() {
     prepareRing();
 }
 
-void Overlay::changed(std::uint32_t offset, Slot& slot, bool flag) noexcept {
+void Overlay::changed(std::uint32_t offset, Slot& slot, bool flag, std::uint32_t position) noexcept {
     ++epoch_;
     changeStamp_ += flag ? 1 : 0;
+    if (flag && companion_) companion_->changed(offset, position);
     changedInScope_ = true;
     if (!slot.isGhost)
         markDirty(offset, slot);
     else if (!isOpen(slot.block))
         dropGhost(slot);
+}
+
+// More than can be told record by record: something was taken back, or others have written.
+void Overlay::changedMuch() noexcept {
+    ++epoch_;
+    ++changeStamp_;
+    if (companion_) companion_->changedAll();
+}
+
+IDataStore::Companion* Overlay::companion(std::unique_ptr<IDataStore::Companion> (*make)()) {
+    std::call_once(companionIsMade_, [&] { companion_ = make(); });
+    return companion_.get();
 }
 
 void Overlay::markDirty(std::uint32_t offset, Slot& slot) noexcept {
@@ -229,7 +242,7 @@ void Overlay::extend(std::uint32_t offset, const void* buffer, std::uint32_t siz
         if (needsImage(slot) && !undo_.endsWith(UndoEntry::Kind::extended, offset))
             undo_.add({UndoEntry::Kind::extended, slot.isDirty, offset, before, {}});
         residentBytes_ += size;
-        changed(offset, slot, true);
+        changed(offset, slot, true, before);
     });
 }
 
@@ -289,7 +302,7 @@ bool Overlay::patch(std::uint32_t offset, std::uint32_t position, const void* by
         prepareChange();
         if (needsImage(slot)) keepForPatch(offset, slot, position, size);
         copyBytes(slot.block.bytes + position, bytes, size);
-        changed(offset, slot, flag);
+        changed(offset, slot, flag, position);
         return true;
     });
 }

@@ -6,6 +6,8 @@
 #include <cstddef>
 #include <cstdint>
 #include <exception>
+#include <memory>
+#include <mutex>
 #include <string>
 #include <vector>
 
@@ -54,6 +56,7 @@ class Overlay {
                bool flag);
     std::uint32_t recordLimit() const { return options_.recordLimit; }
     std::uint64_t changeStamp() const { return changeStamp_; }
+    IDataStore::Companion* companion(std::unique_ptr<IDataStore::Companion> (*make)());
 
     // Each takes the guard.
     void commit();
@@ -102,7 +105,8 @@ class Overlay {
     void checkSize(std::uint64_t size) const;
     void prepareChange();
     void prepareRing();
-    void changed(std::uint32_t offset, Slot& slot, bool flag) noexcept;
+    void changed(std::uint32_t offset, Slot& slot, bool flag, std::uint32_t position = 0) noexcept;
+    void changedMuch() noexcept;
     void markDirty(std::uint32_t offset, Slot& slot) noexcept;
     void clearDirty(Slot& slot) noexcept;
     void putOpenCount(Slot& slot, const void* bytes, std::uint32_t position, std::uint32_t size) noexcept;
@@ -158,6 +162,8 @@ class Overlay {
     std::uint64_t firstFree_ = 0;  // offsets below it, save for 0, are not given out again
     std::uint64_t recordCount_ = 0;
     std::uint64_t changeStamp_ = 1;
+    std::unique_ptr<IDataStore::Companion> companion_;
+    std::once_flag companionIsMade_;
 
     std::vector<std::uint32_t> listed_;  // offsets that may be dirty
     std::uint64_t dirtyCount_ = 0;
@@ -170,7 +176,7 @@ class Overlay {
 
     core::thread::RecursiveMutex mutex_;
     std::uint64_t scope_ = 0;
-    bool isInScope_ = false;  // somebody holds a guard
+    bool isInScope_ = false;         // somebody holds a guard
     std::uint32_t transaction_ = 1;  // the number of the one under way, declared or not
     std::exception_ptr failure_;
     bool failedInScope_ = false;

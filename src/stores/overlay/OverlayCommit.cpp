@@ -72,8 +72,7 @@ void Overlay::undo() noexcept {
     if (undo_.isEmpty()) return;
     while (!undo_.isEmpty()) undo(undo_.take());
     lowerEnd();
-    ++epoch_;
-    ++changeStamp_;
+    changedMuch();
 }
 
 void Overlay::undo(UndoEntry entry) noexcept {
@@ -134,7 +133,7 @@ void Overlay::dropGhost(Slot& slot) noexcept {
     slot.presence = Presence::absent;
     slot.isGhost = false;
     slot.isUndone = true;
-    ++epoch_;
+    changedMuch();
     lowerEnd();
 }
 
@@ -305,8 +304,7 @@ void Overlay::forgetChanges() noexcept {
     listed_.clear();
     undo_.clear();
     ++scope_;
-    ++epoch_;
-    ++changeStamp_;
+    changedMuch();
     version_ = committed_.version;
     recordCount_ = committed_.recordCount;
     failure_ = nullptr;
@@ -364,8 +362,7 @@ bool Overlay::refresh() {
     if (!backend_.refresh()) return false;
     forgetRecords();
     becomeCommitted(backend_.meta());
-    ++epoch_;
-    ++changeStamp_;
+    changedMuch();
     return true;
 }
 

@@ -227,5 +227,45 @@ TEST_F(OverlayUndoTest, ChangeStampMovesWithAnUndo) {
     EXPECT_NE(store.changeStamp(), within);
 }
 
+struct Listener : IDataStore::Companion {
+    void changed(std::uint32_t offset, std::uint32_t position) noexcept override {
+        told += std::to_string(offset) + "@" + std::to_string(position) + " ";
+    }
+    void changedAll() noexcept override { told += "all "; }
+
+    std::string told;
+};
+
+std::unique_ptr<IDataStore::Companion> makeListener() { return std::make_unique<Listener>(); }
+
+TEST_F(OverlayUndoTest, CompanionHearsOfEveryChangeThatIsNoBookkeeping) {
+    append(entity(0));
+    auto& listener = static_cast<Listener&>(*store.companion(makeListener));
+
+    append("second");
+    extend(1, "more");
+    write(0, entity(0, "other"));
+    patch(0, 11, "x");
+    write(0, entity(1, "otxer"), false);
+    patch(0, 5, std::string(1, '\0'), false);
+    store.remove(1);
+
+    EXPECT_EQ(listener.told, "1@0 1@6 0@0 0@11 1@0 ");
+    EXPECT_EQ(store.companion(makeListener), &listener);
+}
+
+TEST_F(OverlayUndoTest, CompanionHearsThatChangesWereTakenBack) {
+    append("record");
+    overlay.commit();
+    auto& listener = static_cast<Listener&>(*store.companion(makeListener));
+
+    failUnderGuard(store, [&] { patch(0, 1, "x"); });
+    EXPECT_EQ(listener.told, "0@1 all ");
+    patch(0, 2, "x");
+    overlay.rollback();
+
+    EXPECT_EQ(listener.told, "0@1 all 0@2 all ");
+}
+
 }  // namespace
 }  // namespace norvane::platform::test

@@ -149,6 +149,7 @@ class QVT_FILE_API FileDataStore : public IDataStore {
                bool flag) override;
     std::uint32_t recordLimit() override;
     std::uint64_t changeStamp() override;
+    Companion* companion(std::unique_ptr<Companion> (*make)()) override;
 
     /// Writes all changes to the file as its next revision; nothing happens if there are none. Throws
     /// `wrongState` within a `Transaction`, which has a `commit` of its own.

@@ -4,6 +4,7 @@
 
 #include "stores/file/Checker.h"
 #include "stores/file/FileBackend.h"
+#include "stores/file/LogFile.h"
 #include "stores/file/Salvage.h"
 #include "stores/file/Session.h"
 
@@ -27,6 +28,12 @@ std::unique_ptr<FileBackend> holdRevision(const std::string& path) {
     } catch (const StoreError&) {
         return nullptr;
     }
+}
+
+// Each would be sound by itself; what they give together never was a revision.
+void refuseForeignLog(const std::string& path) {
+    if (stateOfLog(OpenFile(path, OpenFile::Purpose::read)) == LogState::ofAnotherFile)
+        failDamaged(path, "the log beside it belongs to another file", IDataStore::BADOFF);
 }
 
 std::vector<StoreFile::Problem> problemOf(const StoreError& error, const char* code,
@@ -66,6 +73,7 @@ StoreFile::Summary StoreFile::visit(const std::string& path, Search search, cons
         if (isUnreadable(error)) throw;
         failDamaged(whole, wordsOf(error, whole), IDataStore::BADOFF);
     }
+    if (!held) refuseForeignLog(whole);
     Salvage salvage(*file, search);
     salvage.visit(visitor);
     if (salvage.hasFoundNothing()) failDamaged(whole, "nothing of a store is left in it", IDataStore::BADOFF);

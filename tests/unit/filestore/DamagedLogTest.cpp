@@ -112,6 +112,9 @@ TEST_F(DamagedLogTest, AnOlderCopyOfTheFileDoesNotGoWithALaterLog) {
     const auto problems = StoreFile::check(copy);
     ASSERT_EQ(problems.size(), 1u);
     EXPECT_EQ(problems.front().text, "the log beside it belongs to another file");
+    EXPECT_EQ(
+        codeOfFailure([&] { StoreFile::visit(copy, StoreFile::Search::byOrder, [](auto, auto, auto) {}); }),
+        Code::damaged);
     EXPECT_EQ(contentOf(copy), older);
     EXPECT_EQ(contentOf(copy + "-wal"), log_);
 }

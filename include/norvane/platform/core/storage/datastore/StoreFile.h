@@ -48,7 +48,7 @@ class QVT_FILE_API StoreFile {
     /// Calls the visitor with every record whose checksum is right, once each; byOrder in order of offset.
     /// Answers what the file says of itself, as far as that can be trusted: `end` is at least one more than
     /// the highest offset found. Throws `StoreError` notFound or notReadable; damaged when nothing at all can
-    /// be made of the file.
+    /// be made of the file, or the log beside it belongs to another one.
     static Summary visit(const std::string& path, Search search, const Visitor& visitor);
 };
 

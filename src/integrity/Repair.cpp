@@ -21,8 +21,18 @@ namespace {
 // What was taken over from a file.
 struct Saved {
     OffsetMap<std::uint8_t> isThere{0};
+    std::uint64_t count = 0;
     bool isRootNew = false;
 };
+
+void addSentence(std::string& text, const char* sentence) {
+    if (!text.empty() && text.back() != '.') text += '.';
+    text += sentence;
+}
+
+[[noreturn]] void failToSave(const std::string& path) {
+    throw StoreError(StoreError::Code::damaged, path + ": no record can be saved", IDataStore::BADOFF);
+}
 
 // A folder that is not there is no fault of the file that is read.
 [[noreturn]] void failToWrite(const StoreError& failure) {
@@ -43,16 +53,14 @@ std::unique_ptr<StoreFileWriter> writerOf(const std::string& path) {
 // Writes all sound records of a file to a new one, at their offsets.
 Saved save(const std::string& from, const std::string& to, StoreFile::Search search) {
     Saved saved;
-    std::uint64_t count = 0;
     const std::unique_ptr<StoreFileWriter> writer = writerOf(to);
     const StoreFile::Summary summary =
         StoreFile::visit(from, search, [&](std::uint32_t offset, const void* bytes, std::uint32_t size) {
             writer->put(offset, bytes, size);
             saved.isThere.set(offset, 1);
-            ++count;
+            ++saved.count;
         });
-    if (count == 0 && summary.recordCount != 0)
-        throw StoreError(StoreError::Code::damaged, from + ": no record can be saved", IDataStore::BADOFF);
+    if (saved.count == 0 && summary.recordCount != 0) failToSave(from);
     saved.isRootNew = summary.end != 0 && !saved.isThere.get(0);
     if (saved.isRootNew) {
         const std::string root = newRoot();
@@ -77,10 +85,10 @@ void tellOfFile(const std::string& path, const Saved& saved, std::vector<Finding
                             "Record 0 cannot be read. " + remedyOf(code::kRootMissing)});
     for (Finding& each : fileFindings(path)) {
         const bool isRecord = each.offset != IDataStore::BADOFF;
-        if (isRecord && !saved.isThere.get(each.offset)) each.text += " The record was left out.";
+        if (isRecord && !saved.isThere.get(each.offset)) addSentence(each.text, " The record was left out.");
         if (isRecord && saved.isThere.get(each.offset))
-            each.text += " A copy of it was found, which may be an older one.";
-        if (!isRecord) each.text += " The file was written anew.";
+            addSentence(each.text, " A copy of it was found, which may be an older one.");
+        if (!isRecord) addSentence(each.text, " The file was written anew.");
         findings.push_back(std::move(each));
     }
 }
@@ -115,6 +123,7 @@ Report repair(const std::string& in, const std::string& out, const RepairOptions
     WorkFile file(work);
     Findings findings;
     tellOfFile(in, saved, findings.all);
+    if (saved.count == 0 && !findings.all.empty()) failToSave(in);
     // Pages come in any order, which leaves room between their records.
     const std::uint64_t recordCount =
         mendFile(work, {saved.isRootNew, wide(options.recovered)}, options.salvage, findings.all);

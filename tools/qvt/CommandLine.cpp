@@ -208,6 +208,9 @@ void addVerb(CLI::App& app, const Verb& verb, Command& command) {
     sub->callback([&command, &verb, sub] { take(*sub, verb, command); });
 }
 
+// The tool, a verb, -h, and some word that was begun with.
+constexpr int kMostForHelp = 4;
+
 int parse(CLI::App& app, int argc, const char* const* argv) {
     const auto verb = [&app] {
         return app.get_subcommands().empty() ? std::string() : app.get_subcommands().front()->get_name();
@@ -216,6 +219,9 @@ int parse(CLI::App& app, int argc, const char* const* argv) {
         app.parse(argc, argv);
         return kDone;
     } catch (const CLI::CallForHelp&) {
+        // Among the words of an edit, -h is more likely meant as one of them than as a question.
+        if (argc > kMostForHelp)
+            return usage("help is asked for by itself; -- goes before a VALUE that begins with -", verb());
         return printHelp(app, verb());
     } catch (const CLI::CallForVersion& version) {
         return print(std::string(version.what()) + "\n");

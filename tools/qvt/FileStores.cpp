@@ -1,6 +1,7 @@
 #include "FileStores.h"
 
 #include <filesystem>
+#include <fstream>
 #include <system_error>
 
 namespace qvt {
@@ -52,6 +53,20 @@ std::optional<std::string_view> wordsBehind(const std::string& file, std::string
 bool isFileStore(std::string_view path) {
     constexpr std::string_view kSuffix = ".qvt";
     return path.size() > kSuffix.size() && path.substr(path.size() - kSuffix.size()) == kSuffix;
+}
+
+bool beginsAsFileStore(std::string_view bytes) {
+    constexpr std::string_view kMagic("SQLite format 3", 16);  // with the NUL at its end
+    return bytes.substr(0, kMagic.size()) == kMagic;
+}
+
+bool holdsFileStore(const std::string& path) {
+    std::error_code error;
+    if (!std::filesystem::is_regular_file(path, error)) return false;
+    char beginning[16] = "";
+    std::ifstream file(path, std::ios::binary);
+    file.read(beginning, sizeof beginning);
+    return beginsAsFileStore({beginning, static_cast<std::size_t>(file.gcount())});
 }
 
 bool isSameFile(const std::string& left, const std::string& right) {

@@ -17,6 +17,10 @@ using core::storage::datastore::StoreError;
 
 // Whether a path names a file store (*.qvt); everything else is a document.
 bool isFileStore(std::string_view path);
+// Whether the file is one, whatever its name; false where it cannot be read.
+bool holdsFileStore(const std::string& path);
+// Whether a file that begins so is one.
+bool beginsAsFileStore(std::string_view bytes);
 
 // Whether two paths lead to one file.
 bool isSameFile(const std::string& left, const std::string& right);

@@ -2,6 +2,7 @@
 
 #include <cctype>
 
+#include "FileStores.h"
 #include "Names.h"
 #include "Options.h"
 #include "norvane/platform/core/io/FileReader.h"
@@ -56,6 +57,10 @@ Input::Input(const std::string& path) : name_(path == "-" ? "<stdin>" : path) {
     core::io::FileReader fromFile(path);
     core::io::FileReader fromInput(0);
     bytes_ = contentsOf(path == "-" ? fromInput : fromFile, name_);
+    if (beginsAsFileStore(bytes_))
+        throw Failure(kMissing, name_ + (isFileStore(path)
+                                             ? ": error: a file store, where a document is wanted"
+                                             : ": error: a file store, but its name does not end in .qvt"));
 }
 
 std::string outermostElement(std::string_view bytes) {

@@ -4,8 +4,12 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <climits>
+#include <csignal>
 #include <cstdio>
+#include <cstring>
 #include <filesystem>
+#include <iterator>
 #include <system_error>
 
 namespace qvt {
@@ -17,6 +21,35 @@ bool isThere(const std::string& path) {
     return std::filesystem::exists(path, unknown);
 }
 
+constexpr const char* kSuffixes[] = {"", "-wal", "-shm"};
+constexpr int kInterruptions[] = {SIGINT, SIGTERM, SIGHUP};
+
+// The names of the files that go when the run is interrupted; an empty one ends them. Set while no handler
+// is.
+char unfinished[std::size(kSuffixes)][PATH_MAX];
+
+void removeAndEnd(int signal) {
+    for (const char* file : unfinished) ::unlink(file);
+    std::signal(signal, SIG_DFL);
+    ::raise(signal);
+}
+
+void removeWhenInterrupted(const std::string& file) {
+    for (std::size_t i = 0; i < std::size(kSuffixes); ++i) {
+        const std::string name = file + kSuffixes[i];
+        if (name.size() >= PATH_MAX) return;
+        std::memcpy(unfinished[i], name.c_str(), name.size() + 1);
+    }
+    // One that is ignored, as under nohup, stays so.
+    for (const int each : kInterruptions)
+        if (std::signal(each, removeAndEnd) == SIG_IGN) std::signal(each, SIG_IGN);
+}
+
+void leaveWhenInterrupted() {
+    for (const int each : kInterruptions)
+        if (std::signal(each, SIG_DFL) == SIG_IGN) std::signal(each, SIG_IGN);
+}
+
 std::string unusedBeside(const std::string& path) {
     std::string name = path + "." + std::to_string(::getpid()) + ".new";
     while (isThere(name)) name += "0";
@@ -26,11 +59,14 @@ std::string unusedBeside(const std::string& path) {
 }  // namespace
 
 NewFile::NewFile(const std::string& path)
-    : path_(path), isNew_(!isThere(path)), file_(isNew_ ? unusedBeside(path) : path) {}
+    : path_(path), isNew_(!isThere(path)), file_(isNew_ ? unusedBeside(path) : path) {
+    if (isNew_) removeWhenInterrupted(file_);
+}
 
 NewFile::~NewFile() {
     if (!isNew_) return;
-    for (const char* suffix : {"", "-wal", "-shm"}) std::remove((file_ + suffix).c_str());
+    for (const char* suffix : kSuffixes) std::remove((file_ + suffix).c_str());
+    leaveWhenInterrupted();
 }
 
 void NewFile::take() const {
@@ -55,7 +91,9 @@ bool NewFile::syncFolder() const {
     const std::string folder = std::filesystem::path(path_).parent_path().string();
     const int descriptor = ::open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     const bool isDone = descriptor >= 0 && ::fsync(descriptor) == 0;
+    const int error = errno;
     if (descriptor >= 0) ::close(descriptor);
+    errno = error;
     return isDone;
 }
 

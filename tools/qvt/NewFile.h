@@ -7,8 +7,8 @@
 
 namespace qvt {
 
-// A store that does not exist yet is made beside its place and takes its name when it is whole. What a run
-// leaves that fails is nothing, one that is killed may leave a file of another name.
+// A store that does not exist yet is made beside its place and takes its name when it is whole. A run that
+// fails or is interrupted leaves nothing; one that is killed may leave files of another name. One at a time.
 class NewFile {
   public:
     // Where there is a file, that one is used and nothing else happens here.

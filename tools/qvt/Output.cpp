@@ -4,6 +4,8 @@
 
 #include <cerrno>
 
+#include "FileStores.h"
+
 namespace qvt {
 
 namespace {
@@ -12,8 +14,12 @@ using norvane::platform::core::io::FileWriter;
 
 constexpr std::size_t kPiece = std::size_t{1} << 16;
 
+// An answer takes the place of a document, as its next version. Nobody means it to take that of a store.
 FileWriter writerFor(const std::string& path) {
-    return path.empty() ? FileWriter(STDOUT_FILENO) : FileWriter(path);
+    if (path.empty()) return FileWriter(STDOUT_FILENO);
+    if (isFileStore(path) || holdsFileStore(path))
+        throw Failure(kUsage, "error: -o " + path + ": a file store; no answer is written over one");
+    return FileWriter(path);
 }
 
 }  // namespace

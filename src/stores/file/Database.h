@@ -17,7 +17,7 @@ class Database {
     enum class Mode : std::uint8_t {
         write,
         read,          // sees the log too, and takes part in the locking
-        readUnlocked,  // for a file without a log, that nobody can write
+        readUnlocked,  // for a file without a log; others are not kept from writing it
         create,        // for an empty file that nobody else knows of yet
     };
 

@@ -1,11 +1,18 @@
 #include "stores/file/Session.h"
 
+#include <unistd.h>
+
 #include <new>
 
 #include "stores/file/Log.h"
 #include "stores/file/LogFile.h"
 
 namespace norvane::platform::core::storage::datastore {
+namespace {
+
+using Code = StoreError::Code;
+
+}  // namespace
 
 Session::Session(const std::string& path, OpenFile::Purpose purpose) : file_(path, purpose) {
     checkIdentity(file_);
@@ -27,14 +34,30 @@ void Session::checkLog() const {
 void Session::connectToRead() {
     if (!file_.hasWriter() && stateOfLog(file_) != LogState::sound && !file_.hasWriter()) checkLog();
     unlockedSince_.reset();
+    if (leavesFilesOfItsOwn()) return connectUnlocked();
     try {
         connection_.emplace(path(), Database::Mode::read);
     } catch (const StoreError& error) {
-        // In a folder that cannot be written there is no place for the files that connections share.
-        if (error.code() != StoreError::Code::notReadable || logSizeOf(path()) != 0) throw;
-        unlockedSince_ = file_.settledStamp();
-        connection_.emplace(path(), Database::Mode::readUnlocked);
+        // Where there is no place for the files that connections share, as in a folder that cannot be written
+        // and on a full disk.
+        const Code code = error.code();
+        const bool isForWantOfPlace =
+            code == Code::notReadable || code == Code::notWritable || code == Code::diskFull;
+        if (!isForWantOfPlace || logSizeOf(path()) != 0) throw;
+        connectUnlocked();
     }
+}
+
+// The files that connections share belong to whoever makes them. Made by somebody who may not write the
+// store, they would keep out those who may.
+bool Session::leavesFilesOfItsOwn() const {
+    return ::access(path().c_str(), W_OK) != 0 && !file_.hasWriter() && logSizeOf(path()) == 0 &&
+           ::access((path() + "-shm").c_str(), F_OK) != 0;
+}
+
+void Session::connectUnlocked() {
+    unlockedSince_ = file_.settledStamp();
+    connection_.emplace(path(), Database::Mode::readUnlocked);
 }
 
 // A commit goes into the log, which such a connection does not see. When the log is written back, the file

@@ -52,6 +52,8 @@ class Session {
     void checkLog() const;
     void requireUnchanged() const;
     bool isLogEmpty() const noexcept;
+    bool leavesFilesOfItsOwn() const;
+    void connectUnlocked();
 
     // The file stays known here until SQLite has closed it.
     OpenFile file_;

@@ -86,6 +86,17 @@ TEST_F(ReadOnlyFolderTest, AStoreCanBeReadAndNotWritten) {
     EXPECT_FALSE(std::filesystem::exists(path_ + "-shm"));
 }
 
+// What stood beside the file would be his, and keep out whoever owns the store.
+TEST_F(ReadOnlyFolderTest, AReaderWhoMayNotWriteTheStoreLeavesNothingBesideIt) {
+    ::chmod(path_.c_str(), 0644);
+    ::chmod(folder_.path().c_str(), 0777);
+
+    EXPECT_EQ(asNobody([&] { return revisionOf(*openReader(path_)) == revision_ ? 0 : 1; }), 0);
+
+    EXPECT_FALSE(std::filesystem::exists(path_ + "-shm"));
+    EXPECT_FALSE(std::filesystem::exists(path_ + "-wal"));
+}
+
 // It holds no lock there that would keep the log from being written back.
 TEST_F(ReadOnlyFolderTest, ARevisionThatIsWrittenOverIsToldAndNotMixedWithTheNext) {
     Revision next = revision_.with({{0, "in the file now"}, {1, std::string(9000, 'n')}});
@@ -214,6 +225,17 @@ TEST_F(FullDiskTest, ClosingWithoutRoomForWhatIsInTheLogLosesNothing) {
     EXPECT_EQ(revisionOf(*openReader(path_)), revision_);
     std::filesystem::remove(folder_ / "ballast");
     EXPECT_EQ(revisionOf(*openWriter(path_)), revision_);
+}
+
+TEST_F(FullDiskTest, AStoreCanBeReadWithoutAnyRoom) {
+    {
+        const auto writer = openWriter(path_);
+        commit(*writer, revision_, {{0, "in the file"}});
+        writer->close();
+    }
+    setContent(folder_ / "ballast", std::string(2000000, 'x'));
+
+    EXPECT_EQ(revisionOf(*openReader(path_)), revision_);
 }
 
 TEST_F(FullDiskTest, AFileThatHasNoRoomIsNotMade) {

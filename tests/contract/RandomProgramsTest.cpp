@@ -4,7 +4,7 @@
 
 #include "contract/Model.h"
 #include "contract/PlainModel.h"
-#include "support/Rounds.h"
+#include "support/Torture.h"
 
 namespace norvane::platform::test {
 namespace {

@@ -11,6 +11,9 @@ inline bool isTorture() { return std::getenv("QVT_TORTURE") != nullptr; }
 
 inline int rounds(int usual, int torture) { return isTorture() ? torture : usual; }
 
+// Ten times as often.
+inline unsigned rounds(unsigned usual) { return isTorture() ? usual * 10 : usual; }
+
 inline unsigned seed() {
     const char* text = std::getenv("QVT_TORTURE");
     return text ? static_cast<unsigned>(std::strtoul(text, nullptr, 10)) : 1;

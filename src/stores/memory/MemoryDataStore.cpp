@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <cstring>
 #include <mutex>
 #include <new>
 #include <stdexcept>
@@ -95,10 +94,6 @@ class Slots {
     std::uint64_t room_ = 0;
 };
 
-void copyBytes(std::byte* to, const void* from, std::size_t size) {
-    if (size != 0) std::memmove(to, from, size);
-}
-
 }  // namespace
 
 struct MemoryDataStore::Contents {
@@ -119,27 +114,11 @@ struct MemoryDataStore::Contents {
         if (size > options.recordLimit) throw std::length_error("record larger than the store's limit");
     }
 
-    // Puts a new block in the place of one. Called when the new one has all its bytes, since they may come
-    // from the old.
-    void replace(Block& block, const Block& fresh) {
-        pool.release(block);
-        block = fresh;
-    }
-
     [[gnu::noinline]] void rewrite(std::uint32_t offset, const void* buffer, std::uint32_t size, bool flag) {
         Block& block = at(offset);
         checkSize(size);
         const std::uint32_t before = block.size;
-        // A block much too large for its record goes back.
-        if (size <= block.capacity && size >= block.capacity / 4) {
-            RecordPool::openTo(block, size);
-            copyBytes(block.bytes, buffer, size);
-            RecordPool::resize(block, size);
-        } else {
-            const Block fresh = pool.take(size);
-            copyBytes(fresh.bytes, buffer, size);
-            replace(block, fresh);
-        }
+        pool.assign(block, buffer, size);
         byteCount += size;
         byteCount -= before;
         if (flag) changed(offset, 0);
@@ -190,9 +169,7 @@ std::uint32_t MemoryDataStore::append(const void* buffer, std::uint32_t size) {
     const std::uint64_t offset = contents_->slots.count();
     if (offset >= BADOFF) throw std::length_error("the store has given out all offsets");
     contents_->slots.prepare();
-    const Block block = contents_->pool.take(size);
-    copyBytes(block.bytes, buffer, size);
-    contents_->slots.add(block);
+    contents_->slots.add(contents_->pool.copy(buffer, size));
     ++contents_->recordCount;
     contents_->byteCount += size;
     contents_->changed(static_cast<std::uint32_t>(offset), 0);
@@ -204,24 +181,12 @@ void MemoryDataStore::extend(std::uint32_t offset, const void* buffer, std::uint
     const std::uint32_t before = block.size;
     const std::uint64_t wanted = std::uint64_t{before} + size;
     contents_->checkSize(wanted);
-    const auto after = static_cast<std::uint32_t>(wanted);
-    if (after <= block.capacity) {
-        RecordPool::resize(block, after);
-        copyBytes(block.bytes + before, buffer, size);
-    } else {
-        const auto roomy = std::min<std::uint64_t>(wanted + wanted / 2, contents_->options.recordLimit);
-        const Block fresh = contents_->pool.take(after, static_cast<std::uint32_t>(roomy));
-        copyBytes(fresh.bytes, block.bytes, before);
-        copyBytes(fresh.bytes + before, buffer, size);
-        contents_->replace(block, fresh);
-    }
+    contents_->pool.extend(block, buffer, size, contents_->options.recordLimit);
     contents_->byteCount += size;
     contents_->changed(offset, before);
 }
 
-// Most writes change a few bytes of a record that keeps its size. Nothing but those bytes and the stamp is
-// written then, not even a register to the stack: what waits for a record that is not in the cache fills the
-// queue of stores.
+// Most writes change a few bytes of a record that keeps its size; all else is kept out of their way.
 void MemoryDataStore::write(std::uint32_t offset, const void* buffer, std::uint32_t size, bool flag) {
     Block& block = contents_->at(offset);
     if (size != block.size) return contents_->rewrite(offset, buffer, size, flag);

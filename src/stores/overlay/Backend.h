@@ -54,7 +54,9 @@ class Backend {
     // A commit that has thrown can be tried again, with the same changes or with others that hold them.
     virtual void commit(std::span<const Change> changes, const StoreMeta& meta) = 0;
 
-    // Goes to the newest revision. True if `meta()` is another one now. Only where nothing is committed.
+    // For reading, goes to the newest revision. For writing, makes sure that the revision of `meta()` is
+    // still the newest: after a commit that has thrown it can be that commit's, and where somebody else has
+    // written the answer is `fenced`. True if `meta()` is another one now, which a writer need not say.
     virtual bool refresh() = 0;
 };
 

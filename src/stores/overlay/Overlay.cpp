@@ -1,7 +1,6 @@
 #include "stores/overlay/Overlay.h"
 
 #include <algorithm>
-#include <cstring>
 #include <stdexcept>
 #include <utility>
 
@@ -12,10 +11,6 @@ namespace {
 
 // A record up to this size is kept whole when a few of its bytes are patched under a guard.
 constexpr std::uint32_t kKeptWhole = 512;
-
-void copyBytes(std::byte* to, const void* from, std::size_t size) noexcept {
-    if (size != 0) std::memmove(to, from, size);
-}
 
 // Room for one more, which `push_back` then needs not make.
 void prepareList(std::vector<std::uint32_t>& list) {
@@ -205,9 +200,7 @@ std::uint32_t Overlay::append(const void* buffer, std::uint32_t size) {
         const auto offset = static_cast<std::uint32_t>(free);
         Slot& slot = slots_.at(offset);
         prepareChange();
-        const Block block = pool_.take(size);
-        copyBytes(block.bytes, buffer, size);
-        makePresent(offset, slot, block);
+        makePresent(offset, slot, pool_.copy(buffer, size));
         if (isUndoable()) undo_.add({UndoEntry::Kind::appended, false, offset, 0, {}});
         slot.scope = scope_;
         slot.isStored = false;
@@ -227,18 +220,7 @@ void Overlay::extend(std::uint32_t offset, const void* buffer, std::uint32_t siz
         const std::uint64_t wanted = std::uint64_t{before} + size;
         checkSize(wanted);
         prepareChange();
-        const auto after = static_cast<std::uint32_t>(wanted);
-        if (after <= slot.block.capacity) {
-            RecordPool::resize(slot.block, after);
-            copyBytes(slot.block.bytes + before, buffer, size);
-        } else {
-            const auto roomy = std::min<std::uint64_t>(wanted + wanted / 2, options_.recordLimit);
-            const Block fresh = pool_.take(after, static_cast<std::uint32_t>(roomy));
-            copyBytes(fresh.bytes, slot.block.bytes, before);
-            copyBytes(fresh.bytes + before, buffer, size);
-            pool_.release(slot.block);
-            slot.block = fresh;
-        }
+        pool_.extend(slot.block, buffer, size, options_.recordLimit);
         if (needsImage(slot) && !undo_.endsWith(UndoEntry::Kind::extended, offset))
             undo_.add({UndoEntry::Kind::extended, slot.isDirty, offset, before, {}});
         residentBytes_ += size;
@@ -261,23 +243,15 @@ void Overlay::write(std::uint32_t offset, const void* buffer, std::uint32_t size
     });
 }
 
-// The bytes may lie in the record itself, so the old block goes last.
 void Overlay::replace(std::uint32_t offset, Slot& slot, const void* buffer, std::uint32_t size) {
     prepareChange();
     const std::uint32_t before = slot.block.size;
-    const bool isKept = needsImage(slot);
-    if (!isKept && size <= slot.block.capacity && size >= slot.block.capacity / 4) {
-        RecordPool::openTo(slot.block, size);
-        copyBytes(slot.block.bytes, buffer, size);
-        RecordPool::resize(slot.block, size);
-    } else {
-        const Block fresh = pool_.take(size);
-        copyBytes(fresh.bytes, buffer, size);
-        if (isKept)
-            keepImage(offset, slot, slot.block);
-        else
-            pool_.release(slot.block);
+    if (needsImage(slot)) {
+        const Block fresh = pool_.copy(buffer, size);
+        keepImage(offset, slot, slot.block);
         slot.block = fresh;
+    } else {
+        pool_.assign(slot.block, buffer, size);
     }
     residentBytes_ += size;
     residentBytes_ -= before;
@@ -309,8 +283,8 @@ bool Overlay::patch(std::uint32_t offset, std::uint32_t position, const void* by
 
 void Overlay::keepForPatch(std::uint32_t offset, Slot& slot, std::uint32_t position, std::uint32_t size) {
     const bool isWhole = slot.block.size <= kKeptWhole;
-    const Block kept = pool_.take(isWhole ? slot.block.size : size);
-    copyBytes(kept.bytes, slot.block.bytes + (isWhole ? 0 : position), kept.size);
+    const Block kept = isWhole ? pool_.copy(slot.block.bytes, slot.block.size)
+                               : pool_.copy(slot.block.bytes + position, size);
     if (isWhole)
         keepImage(offset, slot, kept);
     else

@@ -34,6 +34,43 @@ Block RecordPool::take(std::uint32_t size, std::uint32_t capacity) {
     return block;
 }
 
+Block RecordPool::copy(const void* bytes, std::uint32_t size) {
+    const Block block = take(size);
+    copyBytes(block.bytes, bytes, size);
+    return block;
+}
+
+void RecordPool::assign(Block& block, const void* bytes, std::uint32_t size) {
+    if (size <= block.capacity && size >= block.capacity / 4) {
+        openTo(block, size);
+        copyBytes(block.bytes, bytes, size);
+        resize(block, size);
+    } else {
+        replace(block, copy(bytes, size));
+    }
+}
+
+void RecordPool::extend(Block& block, const void* bytes, std::uint32_t size, std::uint32_t most) {
+    const std::uint32_t before = block.size;
+    const std::uint64_t after = std::uint64_t{before} + size;
+    if (after <= block.capacity) {
+        resize(block, static_cast<std::uint32_t>(after));
+        copyBytes(block.bytes + before, bytes, size);
+        return;
+    }
+    const auto roomy = std::min<std::uint64_t>(after + after / 2, most);
+    const Block fresh = take(static_cast<std::uint32_t>(after), static_cast<std::uint32_t>(roomy));
+    copyBytes(fresh.bytes, block.bytes, before);
+    copyBytes(fresh.bytes + before, bytes, size);
+    replace(block, fresh);
+}
+
+// Called when the new one has all its bytes, since they may come from the old.
+void RecordPool::replace(Block& block, const Block& fresh) {
+    release(block);
+    block = fresh;
+}
+
 void RecordPool::release(Block& block) {
     if (block.capacity <= kLargestSmall) {
         keep(block.bytes, block.capacity);

@@ -4,6 +4,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <memory>
 #include <vector>
 
@@ -15,6 +16,11 @@ struct Block {
     std::uint32_t size = 0;
     std::uint32_t capacity = 0;
 };
+
+// The bytes may overlap, and where there are none either may be null.
+inline void copyBytes(std::byte* to, const void* from, std::size_t size) noexcept {
+    if (size != 0) std::memmove(to, from, size);
+}
 
 // Hands out blocks. Small ones are cut from chunks without a header of their own, and come from and go to
 // lists by capacity; large ones are the allocator's. Chunks are given back all together, when the pool goes.
@@ -31,6 +37,14 @@ class RecordPool {
     // A block of that size, its bytes not set, with room for `capacity` bytes if that is more. Throws
     // `std::bad_alloc`.
     Block take(std::uint32_t size, std::uint32_t capacity = 0);
+    // A block with a copy of the bytes. Throws `std::bad_alloc`, as do those that follow; the block is as
+    // before then. Bytes may lie in the block that they are for.
+    Block copy(const void* bytes, std::uint32_t size);
+    // Puts other bytes in the place of all; a block that becomes much too large for them goes back.
+    void assign(Block& block, const void* bytes, std::uint32_t size);
+    // Adds bytes behind those that are there. Filling a block so costs what is added: it gets room for more,
+    // but not for more than `most` bytes.
+    void extend(Block& block, const void* bytes, std::uint32_t size, std::uint32_t most);
     // Gives the block back and leaves it as of no record.
     void release(Block& block);
     // The same for a pool whose blocks are all given up now: those that go with the chunks are not touched.
@@ -52,6 +66,7 @@ class RecordPool {
         std::size_t size;
     };
 
+    void replace(Block& block, const Block& fresh);
     std::byte* takeSmall(std::uint32_t capacity);
     std::byte* cut(std::uint32_t capacity);
     void addChunk();

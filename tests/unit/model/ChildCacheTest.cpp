@@ -11,7 +11,7 @@
 #include "norvane/platform/core/storage/datastore/MemoryDataStore.h"
 #include "support/ForwardingStore.h"
 #include "support/ModelBuilder.h"
-#include "support/Rounds.h"
+#include "support/Torture.h"
 
 namespace norvane::platform::test {
 namespace {

@@ -6,7 +6,7 @@
 #include <random>
 
 #include "model/Subtree.h"
-#include "support/Rounds.h"
+#include "support/Torture.h"
 #include "support/reference/ModelReference.h"
 #include "support/reference/ValuesReference.h"
 #include "unit/model/ModelFixture.h"

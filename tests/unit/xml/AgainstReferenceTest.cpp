@@ -2,7 +2,7 @@
 #include <random>
 
 #include "support/ForwardingStore.h"
-#include "support/Rounds.h"
+#include "support/Torture.h"
 #include "support/reference/ReferenceReader.h"
 #include "support/reference/ReferenceWriter.h"
 #include "unit/xml/Documents.h"

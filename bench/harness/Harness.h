@@ -5,6 +5,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <initializer_list>
 #include <map>
 #include <stdexcept>
@@ -74,23 +75,9 @@ class Random {
     std::uint64_t state_;
 };
 
-// Does the work again and again until the time is up, at least once, and sets `seconds` and `units`. `work`
-// answers how many units it has done.
-template <class Work>
-void repeat(const Arguments& arguments, Result& result, Work work) {
-    double seconds = 0;
-    std::uint64_t units = 0;
-    do {
-        const double start = cpuSeconds();
-        units += work();
-        seconds += cpuSeconds() - start;
-    } while (seconds < arguments.duration());
-    result.set("seconds", seconds);
-    result.set("units", units);
-}
-
-// The same for work that must prepare and clear away what it works on, which is not measured: `makeWork`
-// gives an object whose call is the measured part.
+// Does a piece of work again and again until the time is up, at least once, and sets `seconds` and `units`.
+// `makeWork` gives an object whose call is the measured part and answers how many units it has done; what the
+// object prepares and clears away is not measured.
 template <class MakeWork>
 void repeatFresh(const Arguments& arguments, Result& result, MakeWork makeWork) {
     double seconds = 0;
@@ -103,6 +90,12 @@ void repeatFresh(const Arguments& arguments, Result& result, MakeWork makeWork) 
     } while (seconds < arguments.duration());
     result.set("seconds", seconds);
     result.set("units", units);
+}
+
+// The same for work that has nothing to prepare.
+template <class Work>
+void repeat(const Arguments& arguments, Result& result, Work work) {
+    repeatFresh(arguments, result, [&work] { return std::ref(work); });
 }
 
 // Keeps the compiler from leaving out what nobody reads.

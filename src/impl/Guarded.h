@@ -5,9 +5,9 @@
 #include <utility>
 
 #include "norvane/platform/data/Names.h"
+#include "records/FirstFailure.h"
 #include "records/Owned.h"
-#include "schema/FirstFailure.h"
-#include "schema/StoreGuard.h"
+#include "records/StoreGuard.h"
 
 namespace norvane::platform::data {
 

@@ -3,11 +3,11 @@
 
 #include "integrity/Findings.h"
 #include "integrity/Paths.h"
-#include "integrity/StoreGuard.h"
 #include "integrity/Survey.h"
 #include "integrity/Tree.h"
 #include "records/NameMap.h"
 #include "records/OffsetSet.h"
+#include "records/StoreGuard.h"
 
 namespace norvane::platform::data::integrity {
 
@@ -79,7 +79,7 @@ void checkAllDefaults(IDataStore& store, const Survey& survey, const Tree& tree,
 }  // namespace
 
 Report check(IDataStore& store) {
-    const StoreGuard guard(store);
+    const StoreGuard guard(&store);
     Findings findings;
     const Survey survey(store, findings);
     checkRoot(survey, findings);

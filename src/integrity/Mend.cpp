@@ -7,12 +7,12 @@
 #include "integrity/Findings.h"
 #include "integrity/Paths.h"
 #include "integrity/RecordCheck.h"
-#include "integrity/StoreGuard.h"
 #include "integrity/Survey.h"
 #include "integrity/Tree.h"
 #include "norvane/platform/data/structure/ContainerKind.h"
 #include "records/OffsetSet.h"
 #include "records/Records.h"
+#include "records/StoreGuard.h"
 
 namespace norvane::platform::data::integrity {
 
@@ -197,7 +197,7 @@ bool makeRoot(IDataStore& store, Findings& findings) {
 std::string newRoot() { return newEntity(Kind::root, u"root"); }
 
 std::vector<Finding> mend(IDataStore& store, const MendOptions& options) {
-    const StoreGuard guard(store);
+    const StoreGuard guard(&store);
     const bool takesOrphans = !options.recovered.empty();
     Findings findings;
     const bool isRootNew = makeRoot(store, findings) || options.isRootNew;

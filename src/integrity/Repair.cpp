@@ -1,4 +1,3 @@
-#include <memory>
 #include <utility>
 
 #include "integrity/FileFindings.h"
@@ -34,29 +33,13 @@ void addSentence(std::string& text, const char* sentence) {
     throw StoreError(StoreError::Code::damaged, path + ": no record can be saved", IDataStore::BADOFF);
 }
 
-// A folder that is not there is no fault of the file that is read.
-[[noreturn]] void failToWrite(const StoreError& failure) {
-    const bool isOfFolder =
-        failure.code() == StoreError::Code::notFound || failure.code() == StoreError::Code::notReadable;
-    throw StoreError(isOfFolder ? StoreError::Code::notWritable : failure.code(), failure.what(),
-                     failure.offset());
-}
-
-std::unique_ptr<StoreFileWriter> writerOf(const std::string& path) {
-    try {
-        return std::make_unique<StoreFileWriter>(path);
-    } catch (const StoreError& failure) {
-        failToWrite(failure);
-    }
-}
-
 // Writes all sound records of a file to a new one, at their offsets.
 Saved save(const std::string& from, const std::string& to, StoreFile::Search search) {
     Saved saved;
-    const std::unique_ptr<StoreFileWriter> writer = writerOf(to);
+    StoreFileWriter writer(to);
     const StoreFile::Summary summary =
         StoreFile::visit(from, search, [&](std::uint32_t offset, const void* bytes, std::uint32_t size) {
-            writer->put(offset, bytes, size);
+            writer.put(offset, bytes, size);
             saved.isThere.set(offset, 1);
             ++saved.count;
         });
@@ -64,10 +47,10 @@ Saved save(const std::string& from, const std::string& to, StoreFile::Search sea
     saved.isRootNew = summary.end != 0 && !saved.isThere.get(0);
     if (saved.isRootNew) {
         const std::string root = newRoot();
-        writer->put(0, root.data(), static_cast<std::uint32_t>(root.size()));
+        writer.put(0, root.data(), static_cast<std::uint32_t>(root.size()));
     }
     const bool hasLostVersion = saved.isRootNew && summary.version == 0;
-    writer->finish(hasLostVersion ? 1 : summary.version, summary.end);
+    writer.finish(hasLostVersion ? 1 : summary.version, summary.end);
     return saved;
 }
 
@@ -127,7 +110,7 @@ Report repair(const std::string& in, const std::string& out, const RepairOptions
     // Pages come in any order, which leaves room between their records.
     const std::uint64_t recordCount =
         mendFile(work, {saved.isRootNew, wide(options.recovered)}, options.salvage, findings.all);
-    file.moveTo(out);
+    file.publish(out);
     findings.sort();
     return {std::move(findings.all), recordCount};
 }

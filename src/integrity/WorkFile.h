@@ -14,9 +14,8 @@ class WorkFile {
     WorkFile& operator=(const WorkFile&) = delete;
     ~WorkFile();
 
-    // Gives the file its name, for good. Throws `StoreError`: exists, notWritable, diskFull; the file is
-    // then removed as if nobody had asked.
-    void moveTo(const std::string& path);
+    // Gives the closed store its name, as `StoreFile::publish` does, and no longer has charge of it.
+    void publish(const std::string& path);
 
     // Where to work on what is to become `path`: in the same folder.
     static std::string pathFor(const std::string& path);

@@ -1,8 +1,8 @@
 // The members of the model's classes that read layouts.
 #include "model/Container.h"
 #include "model/Table.h"
+#include "records/StoreGuard.h"
 #include "schema/SchemaImpl.h"
-#include "schema/StoreGuard.h"
 
 namespace norvane::platform::data {
 

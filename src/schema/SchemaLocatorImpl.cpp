@@ -7,7 +7,7 @@
 #include "model/Open.h"
 #include "norvane/platform/core/Compare.h"
 #include "norvane/platform/core/string/KeyHash.h"
-#include "schema/FirstFailure.h"
+#include "records/FirstFailure.h"
 #include "schema/SchemaImpl.h"
 #include "schema/TypeSearch.h"
 

@@ -13,7 +13,7 @@
 #include <vector>
 
 #include "norvane/platform/data/metadata/ISchemaLocator.h"
-#include "schema/FirstFailure.h"
+#include "records/FirstFailure.h"
 #include "schema/Layout.h"
 #include "schema/RootLookup.h"
 

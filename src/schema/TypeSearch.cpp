@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "schema/FirstFailure.h"
+#include "records/FirstFailure.h"
 
 namespace norvane::platform::data::Schema {
 

@@ -12,24 +12,11 @@
 namespace norvane::platform::test {
 namespace {
 
-using Contents = std::vector<std::vector<unsigned char>>;
-
 // Hardly any memory: what is not open has to be fetched for each operation.
 OverlayOptions forgetful() {
     OverlayOptions options;
     options.memoryLimit = 100;
     return options;
-}
-
-// Without the counts of what is open.
-Contents closedContentsOf(IDataStore& store) {
-    Contents contents;
-    for (Offset offset = 0; offset < store.size(); ++offset) {
-        const RawRecord record(store, offset);
-        contents.push_back(record.bytes());
-        if (record.isEntity()) std::fill_n(contents.back().begin() + 5, 4, static_cast<unsigned char>(0));
-    }
-    return contents;
 }
 
 void expectGuardIsFree(IDataStore& store) {

@@ -19,20 +19,9 @@ namespace {
 
 using core::storage::datastore::FileDataStore;
 using core::storage::datastore::StoreError;
-using Contents = std::vector<std::vector<unsigned char>>;
 using Fault = FaultyVfs::Fault;
 
 constexpr Fault kFaults[] = {Fault::inputOutput, Fault::noSpace, Fault::interrupted, Fault::shortWrite};
-
-Contents closedContentsOf(IDataStore& store) {
-    Contents contents;
-    for (Offset offset = 0; offset < store.size(); ++offset) {
-        const RawRecord record(store, offset);
-        contents.push_back(record.bytes());
-        if (record.isEntity()) std::fill_n(contents.back().begin() + 5, 4, static_cast<unsigned char>(0));
-    }
-    return contents;
-}
 
 class FailingDisk : public ::testing::Test {
   protected:

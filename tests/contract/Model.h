@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <initializer_list>
 #include <ostream>
@@ -178,10 +179,23 @@ inline std::uint64_t openCountsOf(IDataStore& store) {
 }
 
 // All records with their bytes, to compare before and after.
-inline std::vector<std::vector<unsigned char>> contentsOf(IDataStore& store) {
-    std::vector<std::vector<unsigned char>> contents;
+using Contents = std::vector<std::vector<unsigned char>>;
+
+inline Contents contentsOf(IDataStore& store) {
+    Contents contents;
     for (Offset offset = 0; offset < store.size(); ++offset)
         contents.push_back(RawRecord(store, offset).bytes());
+    return contents;
+}
+
+// The same without the counts of what is open.
+inline Contents closedContentsOf(IDataStore& store) {
+    Contents contents;
+    for (Offset offset = 0; offset < store.size(); ++offset) {
+        const RawRecord record(store, offset);
+        contents.push_back(record.bytes());
+        if (record.isEntity()) std::fill_n(contents.back().begin() + 5, 4, static_cast<unsigned char>(0));
+    }
     return contents;
 }
 

@@ -1,9 +1,7 @@
 #include "NewFile.h"
 
-#include <fcntl.h>
 #include <unistd.h>
 
-#include <cerrno>
 #include <climits>
 #include <csignal>
 #include <cstdio>
@@ -11,6 +9,8 @@
 #include <filesystem>
 #include <iterator>
 #include <system_error>
+
+#include "norvane/platform/core/storage/datastore/StoreFile.h"
 
 namespace qvt {
 
@@ -70,31 +70,7 @@ NewFile::~NewFile() {
 }
 
 void NewFile::take() const {
-    if (!isNew_) return;
-    if (isThere(file_ + "-wal")) fail(kUnwritten, "its log could not be written back");
-    if (!rename() || !syncFolder())
-        fail(errno == EEXIST ? kRefused : kUnwritten, std::generic_category().message(errno));
-}
-
-void NewFile::fail(Status status, const std::string& why) const {
-    throw Failure(status, path_ + ": error: cannot make it: " + why);
-}
-
-// Never takes the place of another file. Not all file systems can rename so.
-bool NewFile::rename() const {
-    if (::renameat2(AT_FDCWD, file_.c_str(), AT_FDCWD, path_.c_str(), RENAME_NOREPLACE) == 0) return true;
-    return (errno == EINVAL || errno == ENOSYS) && ::link(file_.c_str(), path_.c_str()) == 0;
-}
-
-// The name is as durable then as what it names.
-bool NewFile::syncFolder() const {
-    const std::string folder = std::filesystem::path(path_).parent_path().string();
-    const int descriptor = ::open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    const bool isDone = descriptor >= 0 && ::fsync(descriptor) == 0;
-    const int error = errno;
-    if (descriptor >= 0) ::close(descriptor);
-    errno = error;
-    return isDone;
+    if (isNew_) core::storage::datastore::StoreFile::publish(file_, path_);
 }
 
 }  // namespace qvt

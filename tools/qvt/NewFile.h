@@ -3,6 +3,7 @@
 
 #include <string>
 
+#include "Names.h"
 #include "Options.h"
 
 namespace qvt {
@@ -20,15 +21,11 @@ class NewFile {
     // The file to open.
     const std::string& file() const { return file_; }
 
-    // Gives it its name, for good; the store is closed by then. A Failure if that cannot be, also where
-    // another file of that name has come meanwhile.
+    // Gives it its name, for good; the store is closed by then. Throws StoreError if that cannot be, also
+    // where another file of that name has come meanwhile.
     void take() const;
 
   private:
-    [[noreturn]] void fail(Status status, const std::string& why) const;
-    bool rename() const;
-    bool syncFolder() const;
-
     std::string path_;
     bool isNew_;
     std::string file_;

@@ -32,8 +32,9 @@ Code ofInputOutput(int answer, Doing doing, int error) {
 
 Code ofSystem(Doing doing, int error) {
     if (isFull(error)) return Code::diskFull;
-    if (error == ENOENT || error == ENOTDIR) return Code::notFound;
     if (error == EEXIST) return Code::exists;
+    // A folder that is not there is no place to write in.
+    if (doing == Doing::reading && (error == ENOENT || error == ENOTDIR)) return Code::notFound;
     return doing == Doing::reading ? Code::notReadable : Code::notWritable;
 }
 

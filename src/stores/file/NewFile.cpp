@@ -8,28 +8,12 @@
 #include <cstdio>
 #include <random>
 
+#include "stores/file/Publish.h"
+
 namespace norvane::platform::core::storage::datastore {
 namespace {
 
 using Code = StoreError::Code;
-
-// A descriptor that is closed where it goes out of scope.
-class Descriptor {
-  public:
-    Descriptor(const std::string& path, int flags)
-        : descriptor_(::open(path.c_str(), flags | O_CLOEXEC, 0666)) {}
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-    ~Descriptor() {
-        if (isOpen()) ::close(descriptor_);
-    }
-
-    bool isOpen() const { return descriptor_ >= 0; }
-    int sync() const { return ::fsync(descriptor_); }
-
-  private:
-    int descriptor_;
-};
 
 std::string randomEnding() {
     static constexpr char kLetters[] = "abcdefghijklmnopqrstuvwxyz012345";
@@ -43,12 +27,14 @@ std::string randomEnding() {
 std::string takeDraft(const std::string& path) {
     for (int round = 0;; ++round) {
         std::string draft = path + ".new-" + randomEnding();
-        if (Descriptor(draft, O_RDWR | O_CREAT | O_EXCL).isOpen()) return draft;
+        const int descriptor = ::open(draft.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+        if (descriptor >= 0) {
+            ::close(descriptor);
+            return draft;
+        }
         if (errno != EEXIST || round == 100) failSystem(path, Doing::writing, errno);
     }
 }
-
-std::string folderOf(const std::string& path) { return path.substr(0, path.find_last_of('/') + 1); }
 
 }  // namespace
 
@@ -83,32 +69,8 @@ void NewFile::publish() {
     connection().commit();
     connection_->database().run("PRAGMA journal_mode=WAL", Doing::writing);
     connection_.reset();
-    sync();
-    giveName();
-    keepName();
-}
-
-// A name that may not outlast a power cut is taken back, so that the file can be made again.
-void NewFile::keepName() {
+    datastore::publish(draft_, path_);
     draft_.clear();
-    const Descriptor folder(folderOf(path_), O_RDONLY | O_DIRECTORY);
-    if (folder.isOpen() && folder.sync() == 0) return;
-    const int error = errno;
-    ::unlink(path_.c_str());
-    failSystem(path_, Doing::writing, error);
-}
-
-void NewFile::sync() const {
-    const Descriptor file(draft_, O_RDWR);
-    if (!file.isOpen() || file.sync() != 0) failSystem(path_, Doing::writing, errno);
-}
-
-// Never over a file that somebody has made in the meantime.
-void NewFile::giveName() {
-    if (::renameat2(AT_FDCWD, draft_.c_str(), AT_FDCWD, path_.c_str(), RENAME_NOREPLACE) == 0) return;
-    const bool isOffered = errno != EINVAL && errno != ENOSYS;
-    if (isOffered || ::link(draft_.c_str(), path_.c_str()) != 0) failSystem(path_, Doing::writing, errno);
-    ::unlink(draft_.c_str());
 }
 
 void NewFile::remove() const noexcept {

@@ -28,9 +28,6 @@ class NewFile {
     void publish();
 
   private:
-    void sync() const;
-    void giveName();
-    void keepName();
     void remove() const noexcept;
 
     const pid_t process_;

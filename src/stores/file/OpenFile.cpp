@@ -219,16 +219,16 @@ bool OpenFile::isSharedHere() const {
     return registry().users[{device_, inode_}].count > 1;
 }
 
-std::string resolved(const std::string& path) {
+std::string resolved(const std::string& path, Doing doing) {
     const std::unique_ptr<char, Freeing> whole(::realpath(path.c_str(), nullptr));
-    if (!whole) failSystem(path, Doing::reading, errno);
+    if (!whole) failSystem(path, doing, errno);
     return whole.get();
 }
 
 std::string resolvedInFolder(const std::string& path) {
     const std::size_t slash = path.find_last_of('/');
     const bool isPlain = slash == std::string::npos;
-    const std::string folder = resolved(isPlain ? "." : path.substr(0, slash + 1));
+    const std::string folder = resolved(isPlain ? "." : path.substr(0, slash + 1), Doing::writing);
     return folder + (folder.ends_with('/') ? "" : "/") + (isPlain ? path : path.substr(slash + 1));
 }
 

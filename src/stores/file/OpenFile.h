@@ -70,9 +70,10 @@ class OpenFile {
     ino_t inode_ = 0;
 };
 
-// The absolute path without symbolic links of what is there. Throws `notFound`, `notReadable`.
-std::string resolved(const std::string& path);
-// The same for what need not be there, in a folder that is.
+// The absolute path without symbolic links of what is there. Throws `notFound`, `notReadable`; for writing,
+// `notWritable`.
+std::string resolved(const std::string& path, Doing doing = Doing::reading);
+// The same for what is to be written and need not be there, in a folder that is.
 std::string resolvedInFolder(const std::string& path);
 
 }  // namespace norvane::platform::core::storage::datastore

@@ -5,6 +5,7 @@
 #include "stores/file/Checker.h"
 #include "stores/file/FileBackend.h"
 #include "stores/file/LogFile.h"
+#include "stores/file/Publish.h"
 #include "stores/file/Salvage.h"
 #include "stores/file/Session.h"
 
@@ -78,6 +79,10 @@ StoreFile::Summary StoreFile::visit(const std::string& path, Search search, cons
     salvage.visit(visitor);
     if (salvage.hasFoundNothing()) failDamaged(whole, "nothing of a store is left in it", IDataStore::BADOFF);
     return salvage.summary();
+}
+
+void StoreFile::publish(const std::string& draft, const std::string& path) {
+    datastore::publish(draft, path);
 }
 
 }  // namespace norvane::platform::core::storage::datastore

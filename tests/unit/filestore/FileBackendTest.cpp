@@ -106,7 +106,7 @@ TEST(FileBackendTest, EachReasonNotToOpenHasItsCode) {
     EXPECT_EQ(codeOfFailure([&] { openWriter(folder / "newer", always); }), Code::exists);
     EXPECT_EQ(codeOfFailure([&] { openWriter(folder / "missing", never); }), Code::notFound);
     EXPECT_EQ(codeOfFailure([&] { openReader(folder / "missing"); }), Code::notFound);
-    EXPECT_EQ(codeOfFailure([&] { openWriter(folder / "missing/model"); }), Code::notFound);
+    EXPECT_EQ(codeOfFailure([&] { openWriter(folder / "missing/model"); }), Code::notWritable);
     EXPECT_EQ(contentOf(folder / "empty"), "");
     EXPECT_EQ(contentOf(folder / "text"), std::string(5000, 'x'));
 }

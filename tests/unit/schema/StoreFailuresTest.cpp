@@ -3,8 +3,8 @@
 
 #include <new>
 
+#include "records/StoreGuard.h"
 #include "schema/Conformance.h"
-#include "schema/StoreGuard.h"
 #include "support/ThrowingStore.h"
 #include "unit/schema/Types.h"
 

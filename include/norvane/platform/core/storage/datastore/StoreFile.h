@@ -50,6 +50,11 @@ class QVT_FILE_API StoreFile {
     /// the highest offset found. Throws `StoreError` notFound or notReadable; damaged when nothing at all can
     /// be made of the file, or the log beside it belongs to another one.
     static Summary visit(const std::string& path, Search search, const Visitor& visitor);
+
+    /// Gives a closed store that was made under another name in the same folder its own: durably, and never
+    /// in the place of another file. Throws `StoreError`: exists, notWritable, diskFull (also where what was
+    /// committed could not be written back into the file); nothing has that name by it then.
+    static void publish(const std::string& draft, const std::string& path);
 };
 
 /// Makes a store file of records whose offsets are given: for repairing. The file comes into being in

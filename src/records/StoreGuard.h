@@ -2,7 +2,7 @@
 #pragma once
 
 #include "norvane/platform/core/storage/datastore/IDataStore.h"
-#include "schema/FirstFailure.h"
+#include "records/FirstFailure.h"
 
 namespace norvane::platform::data {
 

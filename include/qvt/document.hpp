@@ -40,6 +40,7 @@ struct Diagnostic {
     }
 };
 
+/// How a document is read or written.
 struct DocumentOptions {
     const Classes* classes = nullptr;  ///< Without them classes are ignored, and structs are refused.
     /// Called now and then with the bytes that are done, and of how many; 0 if that is not known.
@@ -56,13 +57,17 @@ struct ImportResult {
     std::optional<Diagnostic> end;
     bool cancelled = false;  ///< The stop token has asked for it; `end` is set, too.
 
+    /// True if the document was read to its end.
     explicit operator bool() const { return !end; }
 };
 
+/// What came of writing a document.
 struct ExportResult {
     std::string error;  ///< Why the file was not written; it is as it was before then.
+    /// The stop token has asked for it; the file is as it was.
     bool cancelled = false;
 
+    /// True if the file was written.
     explicit operator bool() const { return error.empty() && !cancelled; }
 };
 
@@ -224,6 +229,7 @@ inline ImportResult importDocument(const Container& into, const std::string& pat
                                    const DocumentOptions& options = {}) {
     return into ? detail::importFile(into, path, options) : detail::nowhere();
 }
+/// The same with a document in memory.
 inline ImportResult importText(const Container& into, std::string_view document,
                                const DocumentOptions& options = {}) {
     return into ? detail::importText(into, document, options) : detail::nowhere();

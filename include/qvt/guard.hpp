@@ -7,11 +7,13 @@
 
 namespace qvt {
 
+/// What keeps records: a store of the library, or one of the host.
 using Store = core::storage::datastore::IDataStore;
 
 /// The guard of a store, until the end of the scope: see `hold`.
 class [[nodiscard]] Hold {
   public:
+    /// Waits for the guard.
     explicit Hold(Store& store) : guard_(store.lock()) {}
     Hold(const Hold&) = delete;
     Hold& operator=(const Hold&) = delete;

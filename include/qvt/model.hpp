@@ -66,24 +66,33 @@ bool give(const Property& property, const V& value) {
 class Table {
   public:
     Table() = default;
+    /// Of any handle on a property: empty if that is null or a primitive.
     explicit Table(SharedPtr<IProperty> handle)
         : handle_(std::move(handle)), table_(ITable::to(handle_.get())) {}
+    /// The same object, owned together with this handle.
     explicit Table(const SharedPtr<ITable>& handle)
         : Table(handle ? SharedPtr<IProperty>(handle, handle->property()) : SharedPtr<IProperty>()) {}
 
+    /// True if there is a table.
     explicit operator bool() const { return table_; }
+    /// The library's own interface, borrowed. Null for an empty one.
     ITable* get() const { return table_; }
     /// The same object as a property.
     Property property() const { return Property(handle_); }
+    /// As it was when the handle was opened.
     std::string name() const { return handle_ ? utf8(handle_->name()) : std::string(); }
+    /// The dotted path from below the root.
     std::string path() const { return handle_ ? utf8(handle_->path()) : std::string(); }
+    /// The classes, joined by ";".
     std::string className() const { return table_ ? utf8(table_->className()) : std::string(); }
 
+    /// In the order in which they were added. The table stays open for as long as the range lives.
     Properties members() const { return table_ ? Properties(table_->properties()) : Properties(); }
     /// At a dotted path below this table.
     Property find(const Text& path) const {
         return table_ ? Property(table_->find(path.wide())) : Property();
     }
+    /// As `find`.
     Property operator[](const Text& path) const { return find(path); }
 
     /// A new member with its value. Empty, and nothing is made, if the name is taken.
@@ -98,6 +107,7 @@ class Table {
     Property makeEmpty(const Text& name, std::uint32_t type, Unit unit = {}) const {
         return table_ ? Property(table_->makePrimitive(name.wide(), type, unit.id())) : Property();
     }
+    /// A new table as member. Empty if the name is taken.
     Table makeTable(const Text& name) const {
         return table_ ? Table(table_->makeTable(name.wide(), nullptr)) : Table();
     }
@@ -105,7 +115,10 @@ class Table {
     Table makeTable(const Text& name, const Class& of) const {
         return table_ && of ? Table(table_->makeTable(name.wide(), of.get())) : Table();
     }
+    /// A member and all below it. False if there is none, or if it came from a class, or while it or
+    /// anything below it is open.
     bool remove(const Text& name) const { return table_ && table_->remove(name.wide()); }
+    /// True if this table names the classes, or has members like theirs.
     bool conforms(const Class& to) const { return table_ && table_->conforms(to.get()); }
 
   private:
@@ -119,22 +132,33 @@ inline Table Property::table() const { return isTable() ? Table(handle_) : Table
 /// everything, and handles answer from what they read when they were opened; `fresh` opens one anew.
 class Container {
   public:
+    /// The child containers of one container.
     using Range = qvt::Range<Container, data::structure::IContainerFilter>;
 
     Container() = default;
+    /// Empty if the handle is null.
     explicit Container(SharedPtr<IContainer> handle) : handle_(std::move(handle)) {}
 
+    /// True if there is a container.
     explicit operator bool() const { return static_cast<bool>(handle_); }
+    /// The library's own handle, for all that is not here.
     const SharedPtr<IContainer>& handle() const { return handle_; }
+    /// The same, borrowed. Null for an empty one.
     IContainer* get() const { return handle_.get(); }
 
+    /// As it was when the handle was opened.
     std::string name() const { return handle_ ? utf8(handle_->name()) : std::string(); }
+    /// The dotted path from below the root.
     std::string path() const { return handle_ ? utf8(handle_->path()) : std::string(); }
     /// The classes, joined by ";".
     std::string className() const { return handle_ ? utf8(handle_->className()) : std::string(); }
+    /// Whether it is a node; asks the store.
     bool isNode() const { return is(data::structure::kNode); }
+    /// Whether it is a group; asks the store.
     bool isGroup() const { return is(data::structure::kGroup); }
+    /// Whether it is a link; asks the store.
     bool isLink() const { return is(data::structure::kLink); }
+    /// True if this container names the classes, or has members like theirs.
     bool conforms(const Class& to) const { return handle_ && handle_->conforms(to.get(), false); }
 
     /// Empty directly below the root.
@@ -147,22 +171,29 @@ class Container {
     Container find(const Text& path) const {
         return handle_ ? Container(handle_->find(path.wide())) : Container();
     }
+    /// At a dotted path below this one, through tables, too.
     Property property(const Text& path) const {
         return handle_ ? Property(handle_->findProperty(path.wide())) : Property();
     }
+    /// As `property`.
     Property operator[](const Text& path) const { return property(path); }
+    /// True if the path leads to anything: a container or a property.
     bool contains(const Text& path) const { return handle_ && handle_->contains(path.wide()); }
 
     /// The direct children, in the order in which they were added.
     Range containers() const { return handle_ ? Range(handle_->containers()) : Range(); }
+    /// The properties among them.
     Properties properties() const { return handle_ ? Properties(handle_->properties()) : Properties(); }
 
     /// A new child. Empty, and nothing is made, if a child has that name; with a class also if that is empty.
     Container makeNode(const Text& name) const { return makeChild(data::structure::kNode, name, nullptr); }
+    /// The same with the members of a class.
     Container makeNode(const Text& name, const Class& of) const {
         return of ? makeChild(data::structure::kNode, name, of.get()) : Container();
     }
+    /// A new group, as `makeNode` makes a node.
     Container makeGroup(const Text& name) const { return makeChild(data::structure::kGroup, name, nullptr); }
+    /// The same with the members of a class.
     Container makeGroup(const Text& name, const Class& of) const {
         return of ? makeChild(data::structure::kGroup, name, of.get()) : Container();
     }
@@ -172,9 +203,11 @@ class Container {
         made.setTarget(target);
         return made;
     }
+    /// A new table. Empty, and nothing is made, if a child has that name.
     Table makeTable(const Text& name) const {
         return handle_ ? Table(handle_->makeTable(name.wide(), nullptr)) : Table();
     }
+    /// The same with the members of a class; empty also if that is empty.
     Table makeTable(const Text& name, const Class& of) const {
         return handle_ && of ? Table(handle_->makeTable(name.wide(), of.get())) : Table();
     }
@@ -201,11 +234,15 @@ class Container {
     /// A direct child and all below it. False if there is none, or if it came from a class, or while it or
     /// anything below it is open.
     bool remove(const Text& name) const { return handle_ && handle_->remove(name.wide()); }
+    /// False directly below the root, for what came from a class, and where a sibling has that name. This
+    /// handle keeps the old name.
     bool rename(const Text& name) const { return handle_ && handle_->rename(name.wide()); }
     /// Copies a container or a property of any store into this container.
     bool add(const Container& item) const { return handle_ && item && handle_->add(item.handle()); }
+    /// The same for a property. Both are false if the name leads to something here.
     bool add(const Property& item) const { return handle_ && item && handle_->add(item.handle()); }
 
+    /// In one locale, as "de-de". Empty if there is none.
     std::string displayName(const Text& locale) const {
         return handle_ ? utf8(handle_->localised(locale.wide())) : std::string();
     }
@@ -220,6 +257,7 @@ class Container {
         withLink([&](data::structure::ILink& link) { path = utf8(link.target()); });
         return path;
     }
+    /// False if it is no link.
     bool setTarget(const Text& path) const {
         return withLink([&](data::structure::ILink& link) { link.setTarget(path.wide()); });
     }
@@ -247,6 +285,7 @@ class Container {
     SharedPtr<IContainer> handle_;
 };
 
+/// The child containers of one container, for a `for` loop.
 using Containers = Container::Range;
 
 /// The container of this name directly below the root of a store. It is made, as a group, if there is none.

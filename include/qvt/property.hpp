@@ -38,20 +38,27 @@ class Table;
 class Property {
   public:
     Property() = default;
+    /// Empty if the handle is null.
     explicit Property(SharedPtr<IProperty> handle)
         : handle_(std::move(handle)), primitive_(IPrimitive::to(handle_.get())) {}
+    /// The same object, owned together with this handle.
     explicit Property(const SharedPtr<IPrimitive>& handle)
         : Property(handle ? SharedPtr<IProperty>(handle, handle->property()) : SharedPtr<IProperty>()) {}
 
+    /// True if there is a property.
     explicit operator bool() const { return static_cast<bool>(handle_); }
     /// The library's own handle, for all that is not here.
     const SharedPtr<IProperty>& handle() const { return handle_; }
     /// Null for a table.
     IPrimitive* primitive() const { return primitive_; }
 
+    /// As it was when the handle was opened.
     std::string name() const { return handle_ ? utf8(handle_->name()) : std::string(); }
+    /// The dotted path from below the root.
     std::string path() const { return handle_ ? utf8(handle_->path()) : std::string(); }
+    /// True if it has values.
     bool isPrimitive() const { return primitive_; }
+    /// True if it has members.
     bool isTable() const { return handle_ && !primitive_; }
     /// Empty if it is a primitive.
     Table table() const;
@@ -61,7 +68,10 @@ class Property {
     /// True if it came from a class, and can be neither removed nor renamed.
     bool isFixed() const { return has(data::metadata::kFixed); }
 
+    /// False in nothing, for what came from a class, and where a sibling has that name. This handle keeps the
+    /// old name.
     bool rename(const Text& name) const { return handle_ && handle_->rename(name.wide()); }
+    /// In one locale, as "de-de". Empty if there is none.
     std::string displayName(const Text& locale) const {
         return handle_ ? utf8(handle_->localised(locale.wide())) : std::string();
     }
@@ -74,9 +84,11 @@ class Property {
     std::uint32_t type() const { return primitive_ ? primitive_->dataType() : 0; }
     /// Elements, as the library counts them: numbers, components, code units, bytes of structs.
     std::uint32_t count() const { return primitive_ ? primitive_->count() : 0; }
+    /// In what it is measured; none for a table.
     Unit unit() const { return primitive_ ? Unit::ofId(primitive_->units()) : Unit(); }
     /// Where the value lies, if that is elsewhere; else empty. There are no elements then.
     std::string uri() const { return primitive_ ? utf8(primitive_->uri()) : std::string(); }
+    /// Makes the value one that lies elsewhere; what it was is gone. False for a table.
     bool setUri(const Text& uri) const { return primitive_ && primitive_->setUri(uri.wide()); }
 
     /// All values, as many as there are. None too if the property has another type. Numbers of one type are
@@ -101,19 +113,24 @@ class Property {
     /// from then on, also if there are no values.
     template <Value T>
     bool assign(std::span<const T> values) const;
+    /// The same with a vector.
     template <Value T>
     bool assign(const std::vector<T>& values) const {
         return assign(std::span<const T>(values));
     }
+    /// The same with a list, as `assign({1, 2})`.
     template <Value T>
     requires(!std::same_as<T, bool>) bool assign(std::initializer_list<T> values) const {
         return assign(std::span<const T>(values.begin(), values.size()));
     }
+    /// The same with a single value.
     template <Value T>
     bool assign(const T& value) const {
         return assign(std::span<const T>(&value, 1));
     }
+    /// The same with a single text; null counts as the empty one.
     bool assign(const char* text) const { return assign(std::string(text ? text : "")); }
+    /// The same with a single text.
     bool assign(std::string_view text) const { return assign(std::string(text)); }
     /// One at a time: the elements of this vector are no `bool`s that a span could show.
     bool assign(const std::vector<bool>& values) const;
@@ -139,6 +156,7 @@ class Property {
     IPrimitive* primitive_ = nullptr;
 };
 
+/// The properties of a container or a table, for a `for` loop.
 using Properties = Range<Property, data::metadata::IPropertyFilter>;
 
 inline std::vector<std::byte> Property::bytes() const { return raw<std::byte>(); }

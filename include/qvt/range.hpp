@@ -20,26 +20,37 @@ namespace qvt {
 template <class Item, class Filter>
 class Range {
   public:
+    /// Where a loop is. It goes one way, once.
     class iterator {
       public:
+        /// What the loop gets.
         using value_type = Item;
+        /// Asked for by the concepts of iterators; there is no distance.
         using difference_type = std::ptrdiff_t;
+        /// Input only.
         using iterator_concept = std::input_iterator_tag;
 
+        /// At the end.
         iterator() = default;
+        /// At the first object of a filter.
         explicit iterator(norvane::platform::core::memory::SharedPtr<Filter> filter)
             : filter_(std::move(filter)) {
             if (filter_) settle();
         }
 
+        /// The object of this round.
         const Item& operator*() const { return item_; }
+        /// The object of this round.
         const Item* operator->() const { return &item_; }
+        /// Closes the object and opens the next one.
         iterator& operator++() {
             item_ = Item();
             if (filter_->next()) settle();
             return *this;
         }
+        /// The same.
         void operator++(int) { ++*this; }
+        /// True at the end.
         friend bool operator==(const iterator& at, std::default_sentinel_t) { return !at.item_; }
 
       private:
@@ -53,14 +64,18 @@ class Range {
         Item item_;
     };
 
+    /// Nothing to step over.
     Range() = default;
+    /// Steps over what the filter does; over nothing if it is null.
     explicit Range(norvane::platform::core::memory::SharedPtr<Filter> filter) : filter_(std::move(filter)) {}
 
+    /// At the first object.
     iterator begin() const {
         while (filter_ && filter_->previous()) {
         }
         return iterator(filter_);
     }
+    /// Behind the last one.
     std::default_sentinel_t end() const { return {}; }
 
   private:

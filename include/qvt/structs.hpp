@@ -41,11 +41,17 @@ concept StructMember = requires {
 /// A member of S and the field of a class that it stands for: see `field`.
 template <class S>
 struct StructField {
+    /// The flattened name of the field.
     std::string name;
+    /// The `tDataType` of its elements.
     std::uint32_t type;
+    /// How many elements it has.
     std::uint32_t count;
+    /// Its bytes.
     std::uint32_t size;
+    /// Copies the field's bytes into the member.
     std::function<void(S&, const std::byte*)> load;
+    /// Copies the member into the field's bytes.
     std::function<void(const S&, std::byte*)> store;
 };
 
@@ -68,6 +74,7 @@ template <class S>
 requires std::default_initializable<S>
 class StructMap {
   public:
+    /// Compares the fields with the layout of `of`, which is not needed afterwards.
     StructMap(const Class& of, std::vector<StructField<S>> fields) {
         data::metadata::IStructLayout* layout = of.layout();
         if (!layout) {
@@ -79,6 +86,7 @@ class StructMap {
         for (StructField<S>& field : fields) place(*layout, std::move(field));
     }
 
+    /// True if everything fits.
     explicit operator bool() const { return error_.empty(); }
     /// What does not fit, as "Types.Point has no field z". Empty if all does.
     const std::string& error() const { return error_; }
@@ -107,6 +115,7 @@ class StructMap {
                 field.store(structs[i], bytes.data() + i * size_ + field.offset);
         return property.assignBytes(bytes);
     }
+    /// The same with a single struct.
     bool write(const Property& property, const S& one) const { return write(property, std::span(&one, 1)); }
 
   private:

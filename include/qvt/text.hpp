@@ -23,15 +23,22 @@ inline std::string utf8(const core::string::WideString& text) {
 /// never the string without text that some operations of the library give a meaning of its own.
 class Text {
   public:
+    /// From UTF-8.
     Text(std::string_view text)
         : wide_(core::string::StringAlgorithm::UTF8Decode(text.data() ? text.data() : "", text.size())) {}
+    /// From UTF-8 with a NUL behind it; null counts as the empty text.
     Text(const char* text) : Text(std::string_view(text ? text : "")) {}
+    /// From UTF-8.
     Text(const std::string& text) : Text(std::string_view(text)) {}
+    /// From UTF-16.
     Text(std::u16string_view text) : wide_(text.data() ? text.data() : u"", text.size()) {}
+    /// From UTF-16 with a NUL behind it; null counts as the empty text.
     Text(const char16_t* text) : Text(std::u16string_view(text ? text : u"")) {}
+    /// As it is; a string that was never given text counts as the empty one.
     Text(const core::string::WideString& text) : Text(text.view()) {}
     Text(std::nullptr_t) = delete;
 
+    /// As the library takes it.
     const core::string::WideString& wide() const { return wide_; }
 
   private:

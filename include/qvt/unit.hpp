@@ -15,6 +15,7 @@ class Unit {
   public:
     /// No unit.
     constexpr Unit() = default;
+    /// The unit of a literal; one that there is not does not compile.
     consteval Unit(const char* name) : id_(idOf(name)) {
         if (id_ == 0) throw "there is no unit of this name";
     }
@@ -33,6 +34,7 @@ class Unit {
 
     /// 0 for none.
     constexpr std::uint32_t id() const { return id_; }
+    /// True if it is a unit.
     constexpr explicit operator bool() const { return id_ != 0; }
     /// Empty for none, and for an id without a name.
     constexpr std::string_view name() const { return nameOf(data::format::xml::kUnitTable, id_); }
@@ -41,6 +43,7 @@ class Unit {
         return nameOf(data::format::xml::kDimensionTable, data::format::xml::dimensionKeyOf(id_));
     }
 
+    /// Equal if the ids are.
     friend constexpr bool operator==(Unit, Unit) = default;
 
   private:

@@ -21,20 +21,26 @@ namespace qvt {
 /// A vector of N numbers, as `vec<3>{1, 2, 3}`.
 template <std::size_t N>
 requires(N >= 2 && N <= 4) struct vec {
-    double components[N];
+    double components[N];  ///< x, y, z and w, as many as there are.
 
+    /// The component at an index below N.
     constexpr double& operator[](std::size_t index) { return components[index]; }
+    /// The component at an index below N.
     constexpr const double& operator[](std::size_t index) const { return components[index]; }
+    /// Equal if all components are.
     friend constexpr bool operator==(const vec&, const vec&) = default;
 };
 
 /// A matrix of N by N numbers, in the order in which documents and records hold them.
 template <std::size_t N>
 requires(N >= 2 && N <= 4) struct mat {
-    double elements[N * N];
+    double elements[N * N];  ///< As documents and records have them, one after the other.
 
+    /// The element at an index below N * N.
     constexpr double& operator[](std::size_t index) { return elements[index]; }
+    /// The element at an index below N * N.
     constexpr const double& operator[](std::size_t index) const { return elements[index]; }
+    /// Equal if all elements are.
     friend constexpr bool operator==(const mat&, const mat&) = default;
 };
 

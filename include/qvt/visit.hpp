@@ -11,12 +11,15 @@ namespace qvt {
 
 /// A value that lies elsewhere.
 struct Uri {
+    /// As it was given; nothing here follows it.
     std::string text;
 };
 
 /// The bytes of structs of a class.
 struct Structs {
+    /// The class that says what the bytes are.
     std::string className;
+    /// One struct after the other, without gaps.
     std::vector<std::byte> bytes;
 };
 

@@ -18,24 +18,35 @@ class Walk {
   public:
     /// Where a walk is: at a container or at a property; the other one is empty.
     struct Place {
+        /// Set at a container.
         Container container;
+        /// Set at a property.
         Property property;
         std::size_t depth = 0;  ///< 0 for the container that the walk began with.
     };
 
+    /// Where a loop is. It goes one way, once.
     class iterator {
       public:
+        /// What the loop gets.
         using value_type = Place;
+        /// Asked for by the concepts of iterators; there is no distance.
         using difference_type = std::ptrdiff_t;
+        /// Input only.
         using iterator_concept = std::input_iterator_tag;
 
+        /// Where the walk is.
         const Place& operator*() const { return walk_->at_; }
+        /// Where the walk is.
         const Place* operator->() const { return &walk_->at_; }
+        /// Goes on, down first.
         iterator& operator++() {
             walk_->step();
             return *this;
         }
+        /// The same.
         void operator++(int) { ++*this; }
+        /// True behind the last place.
         friend bool operator==(const iterator& it, std::default_sentinel_t) { return it.isDone(); }
 
       private:
@@ -45,12 +56,15 @@ class Walk {
         Walk* walk_;
     };
 
+    /// From a container on; from an empty one there is nothing to walk.
     explicit Walk(Container top) { at_.container = std::move(top); }
     Walk(const Walk&) = delete;
     Walk& operator=(const Walk&) = delete;
     ~Walk() noexcept(false) { clear(); }
 
+    /// Where the walk is now, at first at its container.
     iterator begin() { return iterator(*this); }
+    /// Behind the last place.
     std::default_sentinel_t end() const { return {}; }
 
     /// Leaves out what stands below the present place.
@@ -125,6 +139,7 @@ class Walk {
     int exceptions_ = std::uncaught_exceptions();
 };
 
+/// A walk over a container and all that stands in it: `for (const auto& at : qvt::walk(hall))`.
 inline Walk walk(Container top) { return Walk(std::move(top)); }
 
 }  // namespace qvt

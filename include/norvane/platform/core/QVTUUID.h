@@ -10,6 +10,7 @@ class QVTUUID {
   public:
     QVTUUID() = default;
 
+    /// All 16 bytes, in the order in which an identifier is written.
     const std::array<std::uint8_t, 16>& bytes() const { return bytes_; }
 
   private:

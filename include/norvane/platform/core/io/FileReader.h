@@ -15,6 +15,7 @@ namespace norvane::platform::core::io {
 /// afterwards.
 class QVT_CORE_API FileReader : public IDataReader {
   public:
+    /// Takes the name of a file, which `open` opens.
     explicit FileReader(std::string path);
     /// Reads an open descriptor, 0 for the standard input. It is borrowed and stays open; it can be read
     /// once.
@@ -24,13 +25,15 @@ class QVT_CORE_API FileReader : public IDataReader {
     ~FileReader() noexcept override;
 
     bool open() override;
+    /// Closes the file; a borrowed descriptor stays open.
     void close() override;
     std::size_t read(void* buffer, std::size_t size) override;
 
     /// True if the file could not be opened or if reading it broke off.
     bool failed() const { return errorNumber_ != 0; }
-    /// The system's number for the failure, or 0, and its words, or the empty text.
+    /// The system's number for the failure, or 0.
     int errorNumber() const { return errorNumber_; }
+    /// The system's words for it, or the empty text.
     std::string error() const;
 
   private:

@@ -16,6 +16,7 @@ namespace norvane::platform::core::io {
 /// `close` has no result, so a host asks `failed` after it.
 class QVT_CORE_API FileWriter : public IDataWriter {
   public:
+    /// Takes the name of a file. Nothing is made before `open`.
     explicit FileWriter(std::string path);
     /// Writes to an open descriptor, 1 for the standard output. It is borrowed and stays open; nothing is
     /// renamed.
@@ -24,6 +25,7 @@ class QVT_CORE_API FileWriter : public IDataWriter {
     FileWriter& operator=(const FileWriter&) = delete;
     ~FileWriter() noexcept override;
 
+    /// Makes the new file. False if that fails; `error` says why.
     bool open() override;
     void close() override;
     /// 0 if nothing more can be written, and for good.
@@ -31,8 +33,9 @@ class QVT_CORE_API FileWriter : public IDataWriter {
 
     /// True if opening, writing, or putting the file in its place has failed.
     bool failed() const { return errorNumber_ != 0; }
-    /// The system's number for the failure, or 0, and its words, or the empty text.
+    /// The system's number for the failure, or 0.
     int errorNumber() const { return errorNumber_; }
+    /// The system's words for it, or the empty text.
     std::string error() const;
 
   private:

@@ -15,7 +15,9 @@ class QVT_CORE_API MemoryWriter : public IDataWriter {
 
     /// Forgets what was collected. Always true.
     bool open() override;
+    /// Ends the output: `closed` is true from then on.
     void close() override;
+    /// Takes all bytes.
     std::size_t write(const void* buffer, std::size_t size) override;
 
     /// All bytes since `open`.

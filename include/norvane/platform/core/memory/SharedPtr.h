@@ -16,9 +16,11 @@ namespace norvane::platform::core::memory {
 /// references together hold one weak one. Slots keep this order, new ones go last.
 class QVT_CORE_API IPointerCounter {
   public:
+    /// Adds a weak reference.
     virtual void addWeak() = 0;
     /// Takes one weak reference away. The last one ends the counter through `destroy`.
     virtual void releaseWeak() = 0;
+    /// The number of weak references; all strong ones together count as one.
     virtual std::int64_t weakCount() = 0;
 
     /// Adds a strong reference. False if the pointee is gone; nothing was added then.
@@ -42,6 +44,7 @@ class QVT_CORE_API DefaultPointerCounterImp : public IPointerCounter {
   public:
     /// An object that a counter may own beside its pointee and that goes with it.
     struct QVT_CORE_API IOwned {
+        /// Never called; it keeps its slot.
         virtual void retained() = 0;
         virtual ~IOwned() noexcept(false) {}
     };
@@ -81,8 +84,11 @@ class QVT_CORE_API DefaultPointerCounterImp : public IPointerCounter {
     void dispose() override { delete owned_; }
 
   protected:
+    /// The weak references.
     std::atomic<std::uint64_t> weak_{0};
+    /// The strong references, or the mark that the pointee is gone.
     std::atomic<std::uint64_t> strong_{0};
+    /// What `dispose` deletes; null in the counters that `SharedPtr` makes, which have their pointee.
     IOwned* owned_ = nullptr;
 
   private:
@@ -118,13 +124,16 @@ template <typename T>
 class SharedPtr {
   public:
     SharedPtr() noexcept : pointer_(nullptr), counter_(nullptr) {}
+    /// A null one.
     SharedPtr(std::nullptr_t) noexcept : SharedPtr() {}
 
     /// Takes the object over; nothing else may own it. If there is no memory for the counter, the object is
     /// deleted and `std::bad_alloc` thrown.
     explicit SharedPtr(T* object) : pointer_(object), counter_(object ? makeCounter(object) : nullptr) {}
 
+    /// Another owner of the same object.
     SharedPtr(const SharedPtr& other) noexcept : pointer_(other.pointer_), counter_(other.counter_) { add(); }
+    /// Takes the place of `other`, which becomes null.
     SharedPtr(SharedPtr&& other) noexcept
         : pointer_(std::exchange(other.pointer_, nullptr)),
           counter_(std::exchange(other.counter_, nullptr)) {}
@@ -134,6 +143,7 @@ class SharedPtr {
     SharedPtr(const SharedPtr<U>& other) noexcept : pointer_(other.pointer_), counter_(other.counter_) {
         add();
     }
+    /// From a SharedPtr to a derived class, which becomes null.
     template <typename U, typename = std::enable_if_t<std::is_convertible_v<U*, T*>>>
     SharedPtr(SharedPtr<U>&& other) noexcept
         : pointer_(std::exchange(other.pointer_, nullptr)),
@@ -153,22 +163,31 @@ class SharedPtr {
         if (counter_) std::exchange(counter_, nullptr)->releaseStrong();
     }
 
+    /// Lets its own object go, and owns that of `other` as well.
     SharedPtr& operator=(const SharedPtr& other) noexcept(false) {
         SharedPtr(other).swap(*this);
         return *this;
     }
+    /// Lets its own object go, and takes the place of `other`.
     SharedPtr& operator=(SharedPtr&& other) noexcept(false) {
         SharedPtr(std::move(other)).swap(*this);
         return *this;
     }
 
+    /// The object, borrowed. Null for a null one.
     T* get() const noexcept { return pointer_; }
+    /// The object, which there must be.
     T* operator->() const noexcept { return pointer_; }
+    /// The object, which there must be.
     T& operator*() const noexcept { return *pointer_; }
+    /// True if it is not null.
     explicit operator bool() const noexcept { return pointer_ != nullptr; }
 
+    /// Lets the object go, and becomes null.
     void reset() { SharedPtr().swap(*this); }
+    /// Lets the object go, and takes over another one.
     void reset(T* object) { SharedPtr(object).swap(*this); }
+    /// Exchanges the objects of both.
     void swap(SharedPtr& other) noexcept {
         std::swap(pointer_, other.pointer_);
         std::swap(counter_, other.counter_);
@@ -205,22 +224,27 @@ template <typename T, typename U>
 bool operator==(const SharedPtr<T>& left, const SharedPtr<U>& right) noexcept {
     return left.get() == right.get();
 }
+/// Two SharedPtrs differ when they point at different addresses.
 template <typename T, typename U>
 bool operator!=(const SharedPtr<T>& left, const SharedPtr<U>& right) noexcept {
     return !(left == right);
 }
+/// True if it is null.
 template <typename T>
 bool operator==(const SharedPtr<T>& left, std::nullptr_t) noexcept {
     return !left;
 }
+/// True if it is null.
 template <typename T>
 bool operator==(std::nullptr_t, const SharedPtr<T>& right) noexcept {
     return !right;
 }
+/// True if it is not null.
 template <typename T>
 bool operator!=(const SharedPtr<T>& left, std::nullptr_t) noexcept {
     return static_cast<bool>(left);
 }
+/// True if it is not null.
 template <typename T>
 bool operator!=(std::nullptr_t, const SharedPtr<T>& right) noexcept {
     return static_cast<bool>(right);

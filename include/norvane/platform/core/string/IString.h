@@ -30,9 +30,12 @@ class QVT_CORE_API IString {
 
   protected:
     IString() = default;
+    /// Both then point at one text, which the deriving class shares or copies.
     IString(const IString&) = default;
+    /// As the constructor.
     IString& operator=(const IString&) = default;
 
+    /// The text, or null. Kept by the deriving class.
     const tWChar* text_ = nullptr;
 };
 

@@ -17,12 +17,14 @@ class QVT_CORE_API StringAlgorithm {
   public:
     /// From UTF-8. Null for null; the empty text gives a string that is empty but not null.
     static WideString UTF8Decode(const char* text);
+    /// From `length` bytes of UTF-8, which may hold a NUL. Null for null.
     static WideString UTF8Decode(const char* text, std::size_t length);
     /// Adds the decoded text to the end of `result`.
     static void UTF8Decode(std::string_view text, std::u16string& result);
 
     /// To UTF-8. Empty for null.
     static std::string UTF8Encode(const tWChar* text);
+    /// To UTF-8, from `length` code units. Empty for null.
     static std::string UTF8Encode(const tWChar* text, std::size_t length);
     /// Adds the encoded text to the end of `result`.
     static void UTF8Encode(std::u16string_view text, std::string& result);

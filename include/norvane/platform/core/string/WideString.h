@@ -21,9 +21,13 @@ class QVT_CORE_API WideString : public IString {
     WideString(const tWChar* text);
     /// A copy of `length` code units, which need no NUL behind them. Null if `text` is null.
     WideString(const tWChar* text, std::size_t length);
+    /// Shares the text of `other`.
     WideString(const WideString& other) noexcept;
+    /// Takes the text of `other`, which becomes null.
     WideString(WideString&& other) noexcept;
+    /// Lets its own text go, and shares that of `other`.
     WideString& operator=(const WideString& other) noexcept;
+    /// Lets its own text go, and takes that of `other`.
     WideString& operator=(WideString&& other) noexcept;
     ~WideString() override;
 
@@ -33,7 +37,9 @@ class QVT_CORE_API WideString : public IString {
     bool isEmpty() const override;
     void detach() override;
 
+    /// The same as `value`.
     const tWChar* string() const { return text_; }
+    /// The same as `value`.
     operator const tWChar*() const { return text_; }
     /// All code units; empty for a null string.
     std::u16string_view view() const { return {text_, length()}; }
@@ -44,6 +50,7 @@ class QVT_CORE_API WideString : public IString {
     /// Index of the last `c`, or -1.
     long rfind(tWChar c) const;
 
+    /// Exchanges the texts of both.
     void swap(WideString& other) noexcept;
 
   private:
@@ -52,10 +59,15 @@ class QVT_CORE_API WideString : public IString {
 
 /// Equality of text. A null string equals null only.
 QVT_CORE_API bool operator==(const WideString& left, const WideString& right);
+/// Equality with a NUL-terminated text; a null pointer counts as a null string.
 QVT_CORE_API bool operator==(const WideString& left, const tWChar* right);
+/// The same with the sides exchanged.
 inline bool operator==(const tWChar* left, const WideString& right) { return right == left; }
+/// The opposite of equality.
 inline bool operator!=(const WideString& left, const WideString& right) { return !(left == right); }
+/// The opposite of equality.
 inline bool operator!=(const WideString& left, const tWChar* right) { return !(left == right); }
+/// The opposite of equality.
 inline bool operator!=(const tWChar* left, const WideString& right) { return !(right == left); }
 
 }  // namespace norvane::platform::core::string

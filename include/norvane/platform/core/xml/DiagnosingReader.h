@@ -22,6 +22,7 @@ class QVT_CORE_API DiagnosingReader : public io::IDataReader, public IXMLParseLi
 
     /// Forgets what an earlier parse has left.
     bool open() override;
+    /// Closes the other reader.
     void close() override;
     std::size_t read(void* buffer, std::size_t size) override;
 
@@ -33,7 +34,9 @@ class QVT_CORE_API DiagnosingReader : public io::IDataReader, public IXMLParseLi
     tPlace place() const;
     /// True if the parse ended early; then where and why.
     bool stopped() const { return stopped_; }
+    /// Where the parse ended early. The first place of a document if it did not.
     const tPlace& stopPlace() const { return stopPlace_; }
+    /// Why it did, in lower case. Empty if it did not.
     const std::string& stopText() const { return stopText_; }
 
   private:

@@ -13,9 +13,11 @@ class QVT_CORE_API XMLCallback {
 
     /// `attributes` is name, value, name, value and so on, ending in a null name.
     virtual void startElement(const char* name, const char* const* attributes) = 0;
+    /// The end of the innermost element that is open, also of one written as a single tag.
     virtual void endElement(const char* name) = 0;
     /// The text between the marks of a comment.
     virtual void comment(const char* text) = 0;
+    /// Both without the blanks between them; `data` may be empty.
     virtual void processingInstruction(const char* target, const char* data) = 0;
     /// `length` bytes of text without a NUL. One run of text may come in several calls.
     virtual void characterData(const char* text, int length) = 0;

@@ -12,6 +12,7 @@ namespace norvane::platform::core::xml {
 
 /// A place in a document.
 struct tPlace {
+    /// From 1.
     std::uint64_t line = 1;
     /// In characters, not bytes, from 1.
     std::uint64_t column = 1;

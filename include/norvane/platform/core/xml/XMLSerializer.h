@@ -37,8 +37,10 @@ class QVT_CORE_API XMLSerializer {
     /// From here on a new document goes to the writer, borrowed until `detach`. Without a writer output is
     /// dropped.
     void attach(io::IDataWriter* writer);
+    /// Sends what is left to the writer and lets it go. Elements that are still open stay without their ends.
     void detach();
 
+    /// Writes the XML declaration: version 1.0, UTF-8.
     void emitXMLHeader();
 
     /// Second arguments of this and the third of `addAttribute` are not used, nor is that of `endElement`.
@@ -47,6 +49,7 @@ class QVT_CORE_API XMLSerializer {
     void addAttribute(const tWChar* name, const tWChar* value, const tWChar* unused);
     /// Several calls in a row make one run of text. Null is the empty text.
     void addCharacterData(const tWChar* text);
+    /// The same with `length` code units.
     void addCharacterData(const tWChar* text, std::size_t length);
     /// Text of ASCII characters that need no escape: numbers, blanks, Base64. They are not looked at, so that
     /// a long text costs little more than its copy.

@@ -11,6 +11,7 @@ namespace norvane::platform::data::integrity {
 
 using core::storage::datastore::IDataStore;
 
+/// How much a finding matters.
 enum class Severity : std::uint8_t {
     note,     ///< Worth knowing; nothing is wrong.
     warning,  ///< Allowed, but it will surprise somebody: a name that no path can reach.
@@ -19,6 +20,7 @@ enum class Severity : std::uint8_t {
 
 /// One thing that was found in a store, or changed in it.
 struct Finding {
+    /// How much it matters.
     Severity severity;
     std::string
         code;  ///< A short word that stays the same from version to version; docs/integrity.md lists all.
@@ -27,7 +29,9 @@ struct Finding {
     std::string text;      ///< What it is, in a sentence without the path.
 };
 
+/// What came of looking at a store, or of mending one.
 struct Report {
+    /// In the order in which they were found.
     std::vector<Finding> findings;
     std::uint64_t recordCount = 0;  ///< Records that were looked at.
     /// True if nothing is an error.
@@ -42,6 +46,7 @@ QVT_FILE_API Report check(IDataStore& store);
 /// The same for a store's file, after the file itself. Throws `StoreError` notFound and notReadable only.
 QVT_FILE_API Report checkFile(const std::string& path);
 
+/// What `repair` does besides leaving out what is damaged.
 struct RepairOptions {
     /// Takes records from every page that looks as if it held some, for files whose own order is broken.
     bool salvage = false;

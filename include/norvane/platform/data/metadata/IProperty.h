@@ -8,10 +8,10 @@ class ITable;
 
 /// Bits of IProperty::flags.
 enum tPropertyFlag : std::uint8_t {
-    kOptional = 1,
-    kFixed = 2,      // came from a class: cannot be removed or renamed
-    kInherited = 4,  // came from a class and was not changed since: is not written to documents
-    kHasUri = 8,     // the value is a URI; set through IPrimitive::setUri only
+    kOptional = 1,   ///< For hosts; nothing here acts on it.
+    kFixed = 2,      ///< Came from a class: it can be neither removed nor renamed.
+    kInherited = 4,  ///< Came from a class and was not changed since: it is not written to documents.
+    kHasUri = 8,     ///< The value is a URI; set through IPrimitive::setUri only.
 };
 
 /// A handle on one property, which is a primitive or a table: the part that both have in common.

@@ -8,30 +8,30 @@ namespace norvane::platform::data::metadata {
 /// only says how long an element is and how it is read and written as text. The values are persistent; 0 and
 /// everything above 24 is no type. Interfaces pass them as std::uint32_t, because a store may hold others.
 enum tDataType : std::uint32_t {
-    kBinary = 1,
-    kUuid = 2,  // 2 to 6 hold text: UTF-16 code units, each string with its NUL
-    kString = 3,
-    kTime = 4,
-    kUri = 5,
-    kVersion = 6,
-    kBool = 7,
-    kInt8 = 8,
-    kUint8 = 9,
-    kInt16 = 10,
-    kUint16 = 11,
-    kInt32 = 12,
-    kUint32 = 13,
-    kInt64 = 14,
-    kUint64 = 15,
-    kScalar = 16,  // binary32
-    kDouble = 17,  // binary64, as are the components of the types below
-    kVector2 = 18,
-    kVector3 = 19,
-    kVector4 = 20,
-    kMatrix2x2 = 21,
-    kMatrix3x3 = 22,
-    kMatrix4x4 = 23,
-    kStruct = 24,  // packed by the layout of a schema
+    kBinary = 1,      ///< Bytes.
+    kUuid = 2,        ///< Text, as are the four below: UTF-16 code units, each string with its NUL.
+    kString = 3,      ///< Text of any meaning.
+    kTime = 4,        ///< Text that a host reads as a time.
+    kUri = 5,         ///< Text that a host reads as a URI. Not where a value lies: see IPrimitive::setUri.
+    kVersion = 6,     ///< Text that a host reads as a version.
+    kBool = 7,        ///< A byte, 0 or 1.
+    kInt8 = 8,        ///< 8 bits, signed.
+    kUint8 = 9,       ///< 8 bits, unsigned.
+    kInt16 = 10,      ///< 16 bits, signed.
+    kUint16 = 11,     ///< 16 bits, unsigned.
+    kInt32 = 12,      ///< 32 bits, signed.
+    kUint32 = 13,     ///< 32 bits, unsigned.
+    kInt64 = 14,      ///< 64 bits, signed.
+    kUint64 = 15,     ///< 64 bits, unsigned.
+    kScalar = 16,     ///< binary32.
+    kDouble = 17,     ///< binary64, as are the components of vectors and matrices.
+    kVector2 = 18,    ///< 2 components.
+    kVector3 = 19,    ///< 3 components.
+    kVector4 = 20,    ///< 4 components.
+    kMatrix2x2 = 21,  ///< 4 components.
+    kMatrix3x3 = 22,  ///< 9 components.
+    kMatrix4x4 = 23,  ///< 16 components.
+    kStruct = 24,     ///< Packed by the layout of a schema.
 };
 
 /// Bytes of one element: a code unit for text, one component for vectors and matrices, one byte for structs.

@@ -14,7 +14,9 @@ namespace norvane::platform::data::type {
 /// is 26.
 class QVT_DATA_API IType {
   public:
+    /// Copies nothing: there is no state.
     IType(const IType& other);
+    /// Copies nothing: there is no state.
     IType& operator=(const IType& other);
     virtual ~IType();
 

@@ -54,12 +54,18 @@ namespace norvane::platform::core::storage::datastore {
 /// revisions. Nothing else in the process may open the file, since closing it would drop locks.
 class QVT_FILE_API FileDataStore : public IDataStore {
   public:
-    enum class Access : std::uint8_t { readWrite, readOnly };
+    /// What a store may do with its file.
+    enum class Access : std::uint8_t {
+        readWrite,  ///< Everything; all other writers are kept out.
+        readOnly    ///< Only looking, at one revision; nobody is kept out.
+    };
+    /// What becomes of a file that is there, or is not.
     enum class Creation : std::uint8_t {
         ifMissing,  ///< Opens the file, or makes it.
         never,      ///< Only opens it. A store for reading never makes one.
         always      ///< Makes it; it is an error if it is there.
     };
+    /// When changes are committed besides `commit`, `flush` and `close`.
     enum class CommitPolicy : std::uint8_t {
         onRequest,  ///< At `commit`, `flush` and `close` only.
         /// Also when the outermost guard is released without an exception and something was changed under it.
@@ -70,8 +76,11 @@ class QVT_FILE_API FileDataStore : public IDataStore {
         atInterval,  ///< The same, if `commitInterval` has passed since the last commit.
     };
 
+    /// How a store is opened. Sizes are in bytes.
     struct Options {
+        /// Whether changes are taken.
         Access access = Access::readWrite;
+        /// Whether the file may be there, or must be.
         Creation creation = Creation::ifMissing;
         /// Records above this many bytes in sum are dropped from memory, those not used for longest first,
         /// when they are unchanged, not open and not looked at in place. A goal, not a promise: what is
@@ -85,13 +94,14 @@ class QVT_FILE_API FileDataStore : public IDataStore {
         std::uint64_t walLimit = std::uint64_t{32} << 20;
         /// Policies are suspended as long as there is a `Transaction`.
         CommitPolicy commitPolicy = CommitPolicy::onRequest;
+        /// For `CommitPolicy::atInterval`.
         std::chrono::milliseconds commitInterval{5000};
     };
 
     /// The log beside the file, and the processes whose reading keeps it from being emptied.
     struct LogStatus {
-        std::uint64_t bytes = 0;
-        std::vector<pid_t> pinnedBy;
+        std::uint64_t bytes = 0;      ///< Its length; 0 if there is none.
+        std::vector<pid_t> pinnedBy;  ///< Process ids; this one's only if another store here has the file.
     };
 
     /// Changes that come into the file together or not at all, however often `flush` is called and whatever
@@ -132,6 +142,7 @@ class QVT_FILE_API FileDataStore : public IDataStore {
     /// Commits, except within a `Transaction` and in a store for reading, where it only tells of failures.
     void flush() override;
     std::uint32_t version() override;
+    /// Sets the number; it is committed like every other change.
     void setVersion(std::uint32_t version) override;
     /// One more than the highest offset given out so far, so that all records are found between 0 and this.
     /// Offsets that a rollback or an undo has taken back are given out again, unless they were open.
@@ -168,7 +179,9 @@ class QVT_FILE_API FileDataStore : public IDataStore {
     /// and the revision's contents stay. Throws `wrongState` within a `Transaction`.
     void compact();
 
+    /// The path that the store was opened with.
     const std::string& path() const;
+    /// Whether it was opened for writing or for reading.
     Access access() const;
     /// True if `commit` has something to write.
     bool hasChanges() const;
@@ -178,6 +191,7 @@ class QVT_FILE_API FileDataStore : public IDataStore {
     std::uint64_t recordCount() const;
     /// The bytes of records in memory.
     std::uint64_t residentBytes() const;
+    /// How long the log is, and who reads from it.
     LogStatus logStatus() const;
 
   private:

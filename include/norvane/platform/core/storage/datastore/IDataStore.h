@@ -64,6 +64,8 @@ class QVT_CORE_API IDataStore {
 
     /// The format version number of the contents; 0 until `setVersion` has set it.
     virtual std::uint32_t version() = 0;
+    /// Sets that number. The model does when it makes the root of an empty store, and where a document has
+    /// one.
     virtual void setVersion(std::uint32_t version) = 0;
 
     /// 0 as long as no record was ever appended, not 0 from then on. What else the number says is the store's

@@ -28,6 +28,7 @@ namespace norvane::platform::core::storage::datastore {
 /// store goes.
 class QVT_CORE_API MemoryDataStore : public IDataStore {
   public:
+    /// How a store is made.
     struct Options {
         /// A larger record is refused. The default keeps one mistaken count in a document from taking all
         /// memory.
@@ -35,6 +36,7 @@ class QVT_CORE_API MemoryDataStore : public IDataStore {
     };
 
     MemoryDataStore();
+    /// An empty store with these options.
     explicit MemoryDataStore(Options options);
     MemoryDataStore(const MemoryDataStore&) = delete;
     MemoryDataStore& operator=(const MemoryDataStore&) = delete;
@@ -62,8 +64,9 @@ class QVT_CORE_API MemoryDataStore : public IDataStore {
     std::uint64_t changeStamp() override;
     Companion* companion(std::unique_ptr<Companion> (*make)()) override;
 
-    /// How many records there are now, and the sum of their sizes in bytes.
+    /// How many records there are now.
     std::uint64_t recordCount() const;
+    /// The sum of their sizes in bytes.
     std::uint64_t byteCount() const;
 
   private:

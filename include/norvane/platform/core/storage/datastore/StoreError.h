@@ -15,6 +15,7 @@ namespace norvane::platform::core::storage::datastore {
 /// `std::length_error` for a record above the limit.
 class QVT_FILE_API StoreError : public std::runtime_error {
   public:
+    /// What has gone wrong, for programs.
     enum class Code : std::uint8_t {
         notFound,      ///< There is no such file, and none was to be made.
         exists,        ///< There is such a file, though a new one was to be made.
@@ -31,9 +32,11 @@ class QVT_FILE_API StoreError : public std::runtime_error {
         wrongState,    ///< Not possible now, as a second transaction within a first.
     };
 
+    /// Made by stores: the words are what `what` gives.
     StoreError(Code code, const std::string& words, std::uint32_t offset);
     ~StoreError() noexcept override;
 
+    /// What has gone wrong.
     Code code() const noexcept { return code_; }
 
     /// The first record that is concerned, `IDataStore::BADOFF` if it is none in particular.

@@ -22,17 +22,19 @@ class QVT_FILE_API StoreFile {
         std::string code;
         /// The record that is concerned, or `IDataStore::BADOFF`.
         std::uint32_t offset;
+        /// What is wrong, in a sentence for people.
         std::string text;
     };
 
     /// What the file says of itself.
     struct Summary {
-        std::uint32_t version = 0;  ///< As set by `IDataStore::setVersion`.
-        std::uint64_t end = 0;      ///< One more than the highest offset given out.
-        std::uint64_t recordCount = 0;
-        std::uint64_t revision = 0;
+        std::uint32_t version = 0;      ///< As set by `IDataStore::setVersion`.
+        std::uint64_t end = 0;          ///< One more than the highest offset given out.
+        std::uint64_t recordCount = 0;  ///< How many records there are.
+        std::uint64_t revision = 0;     ///< How many commits there were.
     };
 
+    /// Where records are looked for.
     enum class Search : std::uint8_t {
         byOrder,  ///< As the file's own order leads.
         byPage    ///< Every page that looks like one with records, whatever leads to it.

@@ -7,7 +7,7 @@ namespace norvane::platform::data::format::xml {
 /// A name and its number: a unit and its id, or a dimension of measure and its key.
 struct tUnit {
     const char* name;  ///< ASCII, null in the closing row.
-    std::uint32_t id;
+    std::uint32_t id;  ///< 0 in the closing row.
 };
 
 /// The dimension key of a unit id. Its low 12 bits, which are cleared, number the units of one dimension

@@ -12,7 +12,9 @@ class QVT_DATA_API IAsset : public IType {
     static const std::uint32_t _kID;
 
     IAsset();
+    /// Copies nothing: there is no state.
     IAsset(const IAsset& other);
+    /// Copies nothing: there is no state.
     IAsset& operator=(const IAsset& other);
     ~IAsset() override;
 };

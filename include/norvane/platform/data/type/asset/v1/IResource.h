@@ -12,7 +12,9 @@ class QVT_DATA_API IResource : public IType {
     static const std::uint32_t _kID;
 
     IResource();
+    /// Copies nothing: there is no state.
     IResource(const IResource& other);
+    /// Copies nothing: there is no state.
     IResource& operator=(const IResource& other);
     ~IResource() override;
 };

@@ -1,18 +1,27 @@
 #!/usr/bin/env python3
-"""Runs every block of code in a page.
+"""Runs every block of code in a page, and looks after what the page refers to.
 
-A `cpp` block is a program: it is compiled against the public headers and the shared libraries, as C++20 and, if it
-includes nothing of <qvt/...>, as C++17; it is run, and must print what stands in the `text` block behind it. A `console`
-block is a session: each line that begins with "$ " is run in a folder with the documents of examples/documents, the same
-one for all blocks of a page, and must print the lines below it. `cpp examples/NAME.cpp` is a piece of that example,
-which can be run in sessions as ./NAME. Any other language with the name of a file behind it is a file that stands in the
-folder from then on.
+Blocks stand between fences, and each has one of these forms; anything else fails:
+
+  console              a session: each line that begins with "$ " is run (a "\\" at its end continues it) and must print
+                       the lines below it. All sessions of a page have one folder, with the documents of
+                       examples/documents and the examples, also built, in it; pkg-config and CMake find an installed qvt
+  cpp                  a program: compiled as C++20 and, if it includes nothing of <qvt/...>, as C++17, and run. It must
+                       print what stands in the `text` block behind it
+  LANGUAGE FILE        a file that stands in the folder from then on; a session further down uses it
+  LANGUAGE PATH/FILE   a piece of that file of the repository, indented or not
+  sh                   commands for the repository, which take too long to be run here
+  text drawing         no code
+
+Wherever they stand, links lead to files and headings that are there, `./dev VERB` has that verb, and `--preset NAME`
+and `build/NAME/` have that preset.
 
 usage: blocks.py PAGE
 The environment says what to build with: CXX, CXXFLAGS, QVT (the tool), QVT_LIBRARIES (their folder), QVT_SOURCE,
-QVT_EXAMPLES (the folder of the built examples).
+QVT_EXAMPLES (the folder of the built examples), QVT_PREFIX (where qvt is installed).
 """
 
+import json
 import os
 import pathlib
 import re
@@ -24,11 +33,24 @@ import tempfile
 
 SOURCE = pathlib.Path(os.environ["QVT_SOURCE"])
 END = "\x1e"
+# The only place of blocks that are indented instead of fenced: the form of a command.
+USAGE = re.compile(r"    qvt [A-Z]")
+SETUP = """
+qvt() { "$QVT" "$@"; }
+g++() { command $CXX $CXXFLAGS "$@" -Wl,-rpath,"$(pkg-config --variable=libdir qvt-core-3.0)"; }
+"""
 
 
 def blocks(page):
     """Language, name of a file, and lines of each fenced block."""
-    return re.findall(r"^```(\w*)(?: (\S+))?\n(.*?)^```$", page, re.MULTILINE | re.DOTALL)
+    found = re.findall(r"^```(\w+)(?: (\S+))?\n(.*?)^```$", page, re.MULTILINE | re.DOTALL)
+    if len(re.findall(r"^\s*(?:```|~~~)", page, re.MULTILINE)) != 2 * len(found):
+        sys.exit("there is a fence that begins or ends no block")
+    rest = re.sub(r"^```.*?^```$", "", page, flags=re.MULTILINE | re.DOTALL)
+    for line in rest.splitlines():
+        if line.startswith("    ") and not USAGE.match(line):
+            sys.exit(f"this stands in no block:\n{line}")
+    return found
 
 
 def run_program(code, standard):
@@ -44,11 +66,14 @@ def run_program(code, standard):
 
 
 def run_session(commands, folder):
-    """What each command prints, one after the other in one shell."""
-    script = f"qvt() {{ {shlex.quote(os.environ['QVT'])} \"$@\"; }}\n"
-    script += "".join(f"{{ {command}\n}} 2>&1; printf '\\036'\n" for command in commands)
-    run = subprocess.run(["bash", "-c", script], cwd=folder, stdout=subprocess.PIPE)
-    return run.stdout.decode().split(END)[:-1]
+    """What each command prints, and its status, one after the other in one shell."""
+    script = SETUP + "".join(f"{{ {command}\n}} 2>&1; printf '\\036%s\\036' $?\n" for command in commands)
+    prefix = os.environ["QVT_PREFIX"]
+    packages = ":".join({str(path.parent) for path in pathlib.Path(prefix).rglob("*.pc")})
+    environment = dict(os.environ, PKG_CONFIG_PATH=packages, CMAKE_PREFIX_PATH=prefix)
+    run = subprocess.run(["bash", "-c", script], cwd=folder, stdout=subprocess.PIPE, env=environment)
+    parts = run.stdout.decode().split(END)[:-1]
+    return list(zip(parts[::2], parts[1::2], strict=True))
 
 
 def check(what, expected, printed):
@@ -57,45 +82,87 @@ def check(what, expected, printed):
 
 
 def check_session(text, folder):
-    steps = re.findall(r"^\$ (.*)\n((?:(?!\$ ).*\n)*)", text, re.MULTILINE)
-    commands = [command for command, _ in steps]
-    for (command, expected), printed in zip(steps, run_session(commands, folder), strict=True):
+    steps = re.findall(r"^\$ ((?:.*\\\n)*.*)\n((?:(?!\$ ).*\n)*)", text, re.MULTILINE)
+    if "".join(f"$ {command}\n{expected}" for command, expected in steps) != text:
+        sys.exit(f"this is no session:\n{text}")
+    results = run_session([command for command, _ in steps], folder)
+    for (command, expected), (printed, status) in zip(steps, results, strict=True):
         check("$ " + command, expected, printed)
+        if status != "0" and not printed:
+            sys.exit(f"$ {command}\nfails with status {status} and nothing tells")
     return len(steps)
 
 
 def check_piece(text, name):
-    """A piece may be indented in its example."""
     lines = [line.strip() for line in (SOURCE / name).read_text().splitlines()]
     piece = [line.strip() for line in text.splitlines()]
     if not any(lines[at:at + len(piece)] == piece for at in range(len(lines))):
         sys.exit(f"this is no piece of {name}:\n{text}")
 
 
+def headings(path):
+    """The anchors of a page: its headings in lower case, with dashes, and without punctuation."""
+    titles = re.findall(r"^#+ (.*)$", path.read_text(), re.MULTILINE)
+    return {re.sub(r"[^\w\- ]", "", title.lower()).replace(" ", "-") for title in titles}
+
+
+def check_references(page, path):
+    for target, anchor in re.findall(r"\]\((?!https?:)([^)#]*)(?:#([^)]*))?\)", page):
+        there = path.parent / target if target else path
+        if not there.exists():
+            sys.exit(f"there is no {target}")
+        if anchor and anchor not in headings(there):
+            sys.exit(f"{there} has no heading {anchor}")
+    verbs = subprocess.run([SOURCE / "dev", "help"], check=True, stdout=subprocess.PIPE).stdout.decode()
+    for verb in re.findall(r"\./dev (\w+)", page):
+        if not re.search(rf"^  {verb} ", verbs, re.MULTILINE):
+            sys.exit(f"./dev has no verb {verb}")
+    described = json.loads((SOURCE / "CMakePresets.json").read_text())
+    presets = {preset["name"] for kind in described if kind.endswith("Presets") for preset in described[kind]}
+    for preset in re.findall(r"--preset[ =](\w+)|\bbuild/(\w+)/", page):
+        # Made by ./dev docs and by cpack.
+        if "".join(preset) not in presets | {"docs", "packages"}:
+            sys.exit(f"there is no preset {''.join(preset)}")
+
+
+def check_use(name, following):
+    used = "cmake " if name == "CMakeLists.txt" else name
+    if not any(language == "console" and used in text for language, _, text in following):
+        sys.exit(f"nothing is done with {name}")
+
+
 def main(path):
-    found = blocks(pathlib.Path(path).read_text())
-    programs = commands = pieces = 0
+    page = path.read_text()
+    check_references(page, path)
+    found = blocks(page)
+    done = dict.fromkeys(("programs", "files", "pieces", "commands"), 0)
     folder = tempfile.TemporaryDirectory()
     shutil.copytree(SOURCE / "examples" / "documents", folder.name, dirs_exist_ok=True)
-    for example in pathlib.Path(os.environ.get("QVT_EXAMPLES", folder.name)).glob("*"):
-        if example.is_file() and os.access(example, os.X_OK):
-            pathlib.Path(folder.name, example.name).symlink_to(example)
-    for (language, name, text), (after, _, output) in zip(found, [*found[1:], ("", "", "")]):
-        if language == "cpp" and name:
-            check_piece(text, name)
-            pieces += 1
-        elif language == "cpp":
+    for example in (SOURCE / "examples").glob("*.cpp"):
+        shutil.copy(example, folder.name)
+        shutil.copy(pathlib.Path(os.environ["QVT_EXAMPLES"], example.stem), folder.name)
+    before = ""
+    for at, (language, name, text) in enumerate(found):
+        form, before = before, (language if not name else "")
+        if language == "console" and not name:
+            done["commands"] += check_session(text, folder.name)
+        elif language == "cpp" and not name:
+            following = found[at + 1] if at + 1 < len(found) else ("", "", "")
+            output = following[2] if following[:2] == ("text", "") else ""
             for standard in ("c++20",) if "<qvt/" in text else ("c++17", "c++20"):
-                check("the program", output if after == "text" else "", run_program(text, standard))
-            programs += 1
-        elif language == "console":
-            commands += check_session(text, folder.name)
-        elif name:
+                check("the program", output, run_program(text, standard))
+            done["programs"] += 1
+        elif "/" in name:
+            check_piece(text, name)
+            done["pieces"] += 1
+        elif name and language != "text":
             pathlib.Path(folder.name, name).write_text(text)
-    print(f"{programs} programs, {pieces} pieces of examples and {commands} commands are as {path} says")
-    if programs + commands + pieces == 0:
-        sys.exit("there is nothing to run")
+            check_use(name, found[at + 1:])
+            done["files"] += 1
+        elif not ((language == "text" and (name == "drawing" or form == "cpp")) or (language == "sh" and not name)):
+            sys.exit(f"nothing is known of a block {language} {name}:\n{text}")
+    print(", ".join(f"{count} {what}" for what, count in done.items()) + f" are as {path} says")
 
 
 if __name__ == "__main__":
-    main(sys.argv[1])
+    main(pathlib.Path(sys.argv[1]))

@@ -1,6 +1,6 @@
 # What a host finds after `cmake --install`, in three components: `runtime` (the shared libraries), `dev` (headers, the
-# package qvt for find_package, pkg-config files) and `tools` (the program). Nothing installed holds a path of the build,
-# so that a prefix can be moved.
+# package qvt for find_package, pkg-config files, the pages) and `tools` (the program). Nothing installed holds a path of
+# the build, so that a prefix can be moved.
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
 
@@ -46,6 +46,15 @@ endif()
 
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/include/" DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}" COMPONENT dev
     FILES_MATCHING PATTERN "*.h" PATTERN "*.hpp")
+
+# The pages, with all that they lead to.
+install(FILES
+    "${PROJECT_SOURCE_DIR}/README.md" "${PROJECT_SOURCE_DIR}/CHANGELOG.md" "${PROJECT_SOURCE_DIR}/SECURITY.md"
+    "${PROJECT_SOURCE_DIR}/ARCHITECTURE.md" "${PROJECT_SOURCE_DIR}/CONTRIBUTING.md"
+    DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT dev)
+install(DIRECTORY "${PROJECT_SOURCE_DIR}/docs" "${PROJECT_SOURCE_DIR}/examples"
+    DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT dev
+    FILES_MATCHING PATTERN "*.md" PATTERN "*.svg" PATTERN "*.cpp" PATTERN "*.xml")
 
 configure_file("${PROJECT_SOURCE_DIR}/cmake/qvtConfig.cmake.in" "${PROJECT_BINARY_DIR}/qvtConfig.cmake" @ONLY)
 write_basic_package_version_file("${PROJECT_BINARY_DIR}/qvtConfigVersion.cmake" COMPATIBILITY SameMajorVersion)

@@ -60,7 +60,16 @@ def check_paths():
             expect(not any(place in text for place in foreign), f"{path} names a folder of the build")
 
 
+def check_pages():
+    pages = FOLDER / "second" / "usr" / "share" / "doc" / "qvt"
+    for page in pages.rglob("*.md"):
+        for target in re.findall(r"\]\((?!https?:)([^)#]+)", page.read_text()):
+            expect((page.parent / target).exists(), f"{page.relative_to(pages)} leads to {target}, which is not installed")
+    expect((pages / "README.md").exists(), "the pages are installed")
+
+
 check_libraries(check_components())
+check_pages()
 check_paths()
 if wrong:
     sys.exit("does not hold:\n  " + "\n  ".join(wrong))

@@ -7,10 +7,10 @@ trap 'rm -rf "$made"' EXIT
 PKG_CONFIG_PATH=$(dirname "$(find "$prefix" -name qvt-core-3.0.pc)")
 export PKG_CONFIG_PATH
 
-# build <standard> <source> <package>
+# build <standard> <source> <packages>
 build() {
     # shellcheck disable=SC2046,SC2086
-    "$compiler" $flags -std=c++"$1" "$sources/$2" -o "$made/host" $(pkg-config --cflags --libs "$3") \
+    "$compiler" $flags -std=c++"$1" "$sources/$2" -o "$made/host" $(pkg-config --cflags --libs $3) \
         -Wl,-rpath,"$(pkg-config --variable=libdir qvt-core-3.0)"
     LD_PRELOAD=${QVT_PRELOAD:-} "$made/host"
 }
@@ -18,3 +18,4 @@ build() {
 build 17 host.cpp qvt-data-3.0
 build 20 host.cpp qvt-data-3.0
 build 17 file.cpp qvt-file-3.0
+build 20 comfort.cpp 'qvt-data-3.0 qvt-file-3.0'

@@ -2,63 +2,24 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <fstream>
-#include <map>
 #include <string>
-#include <vector>
 
 #include "norvane/platform/core/storage/datastore/MemoryDataStore.h"
 #include "records/Fields.h"
+#include "support/PageTables.h"
 
 namespace norvane::platform::test {
 namespace {
 
 namespace Record = data::Record;
+using support::Row;
+using support::Table;
 using testing::ElementsAreArray;
-using Row = std::vector<std::string>;
-using Table = std::vector<Row>;
 
-std::string trimmed(const std::string& text) {
-    const std::size_t begin = text.find_first_not_of(' ');
-    return begin == text.npos ? std::string() : text.substr(begin, text.find_last_not_of(' ') + 1 - begin);
-}
-
-Row cellsOf(const std::string& line) {
-    Row cells;
-    for (std::size_t begin = 1, end = 0; (end = line.find('|', begin)) != line.npos; begin = end + 1)
-        cells.push_back(trimmed(line.substr(begin, end - begin)));
-    return cells;
-}
-
-// The tables of the page, without their heads, by the heading above them and the first word of the head.
-class FormatPage : public testing::Test {
+class FormatPage : public testing::Test, protected support::PageTables {
   public:
-    FormatPage() {
-        std::ifstream file(QVT_DOCS "/records.md");
-        std::string heading, previous;
-        Table* table = nullptr;
-        for (std::string line; std::getline(file, line); previous = line) {
-            if (line.rfind("## ", 0) == 0) heading = line.substr(3);
-            if (line.rfind("|---", 0) == 0)
-                table = &tables_[heading + "/" + cellsOf(previous)[0]];
-            else if (line.rfind("|", 0) == 0 && table)
-                table->push_back(cellsOf(line));
-            else
-                table = nullptr;
-        }
-    }
+    FormatPage() : PageTables(QVT_DOCS "/records.md") {}
     ~FormatPage() noexcept override = default;
-
-  protected:
-    // The first `columns` cells of each row.
-    Table table(const std::string& name, std::size_t columns) const {
-        const auto found = tables_.find(name);
-        Table table = found == tables_.end() ? Table() : found->second;
-        for (Row& row : table) row.resize(columns);
-        return table;
-    }
-
-    std::map<std::string, Table> tables_;
 };
 
 TEST_F(FormatPage, ListsEveryKind) {

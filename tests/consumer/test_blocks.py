@@ -82,5 +82,14 @@ class Pages(unittest.TestCase):
         self.refuses("[there](#nothing)\n", "no heading nothing")
 
 
+class Index(unittest.TestCase):
+    def test_every_page_for_users_is_in_the_list_of_pages(self):
+        docs = BLOCKS.parents[2] / "docs"
+        listed = (docs / "README.md").read_text()
+        for page in docs.rglob("*.md"):
+            name = str(page.relative_to(docs))
+            self.assertTrue(name == "README.md" or f"]({name})" in listed, f"docs/README.md does not name {name}")
+
+
 if __name__ == "__main__":
     unittest.main()

@@ -7,13 +7,13 @@
 #include <string>
 #include <vector>
 
-namespace norvane::platform::test::support {
-
-using Row = std::vector<std::string>;
-using Table = std::vector<Row>;
+namespace norvane::platform::test {
 
 class PageTables {
   public:
+    using Row = std::vector<std::string>;
+    using Table = std::vector<Row>;
+
     explicit PageTables(const std::string& path) {
         std::ifstream file(path);
         std::string heading, previous;
@@ -55,4 +55,4 @@ class PageTables {
     std::map<std::string, Table> tables_;
 };
 
-}  // namespace norvane::platform::test::support
+}  // namespace norvane::platform::test

@@ -12,11 +12,9 @@ namespace norvane::platform::test {
 namespace {
 
 namespace Record = data::Record;
-using support::Row;
-using support::Table;
 using testing::ElementsAreArray;
 
-class FormatPage : public testing::Test, protected support::PageTables {
+class FormatPage : public testing::Test, protected PageTables {
   public:
     FormatPage() : PageTables(QVT_DOCS "/records.md") {}
     ~FormatPage() noexcept override = default;

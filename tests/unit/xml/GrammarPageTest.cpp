@@ -13,13 +13,11 @@ namespace norvane::platform::test {
 namespace {
 
 using data::kKeywords;
-using support::Row;
-using support::Table;
 using testing::ElementsAreArray;
 
 std::string quoted(const char* word) { return word ? std::string("`") + word + "`" : "none"; }
 
-class GrammarPage : public testing::Test, protected support::PageTables {
+class GrammarPage : public testing::Test, protected PageTables {
   public:
     GrammarPage() : PageTables(QVT_DOCS "/documents.md") {}
     ~GrammarPage() noexcept override = default;

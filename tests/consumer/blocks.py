@@ -131,37 +131,55 @@ def check_use(name, following):
         sys.exit(f"nothing is done with {name}")
 
 
+def check_program(text, output):
+    for standard in ("c++20",) if "<qvt/" in text else ("c++17", "c++20"):
+        check("the program", output, run_program(text, standard))
+
+
+def is_output(block, before):
+    """A text right behind a program."""
+    return block[:2] == ("text", "") and before[:2] == ("cpp", "")
+
+
+def check_block(block, before, following, folder):
+    """What it counts as, and how often."""
+    language, name, text = block
+    if language == "console" and not name:
+        return "commands", check_session(text, folder)
+    if language == "cpp" and not name:
+        behind = following[0] if following else ("", "", "")
+        check_program(text, behind[2] if is_output(behind, block) else "")
+        return "programs", 1
+    if "/" in name:
+        check_piece(text, name)
+        return "pieces", 1
+    if name and language != "text":
+        pathlib.Path(folder, name).write_text(text)
+        check_use(name, following)
+        return "files", 1
+    if block[:2] not in (("text", "drawing"), ("sh", "")) and not is_output(block, before):
+        sys.exit(f"nothing is known of a block {language} {name}:\n{text}")
+    return "others", 1
+
+
+def fill(folder):
+    shutil.copytree(SOURCE / "examples" / "documents", folder, dirs_exist_ok=True)
+    for example in (SOURCE / "examples").glob("*.cpp"):
+        shutil.copy(example, folder)
+        shutil.copy(pathlib.Path(os.environ["QVT_EXAMPLES"], example.stem), folder)
+
+
 def main(path):
     page = path.read_text()
     check_references(page, path)
     found = blocks(page)
-    done = dict.fromkeys(("programs", "files", "pieces", "commands"), 0)
-    folder = tempfile.TemporaryDirectory()
-    shutil.copytree(SOURCE / "examples" / "documents", folder.name, dirs_exist_ok=True)
-    for example in (SOURCE / "examples").glob("*.cpp"):
-        shutil.copy(example, folder.name)
-        shutil.copy(pathlib.Path(os.environ["QVT_EXAMPLES"], example.stem), folder.name)
-    before = ""
-    for at, (language, name, text) in enumerate(found):
-        form, before = before, (language if not name else "")
-        if language == "console" and not name:
-            done["commands"] += check_session(text, folder.name)
-        elif language == "cpp" and not name:
-            following = found[at + 1] if at + 1 < len(found) else ("", "", "")
-            output = following[2] if following[:2] == ("text", "") else ""
-            for standard in ("c++20",) if "<qvt/" in text else ("c++17", "c++20"):
-                check("the program", output, run_program(text, standard))
-            done["programs"] += 1
-        elif "/" in name:
-            check_piece(text, name)
-            done["pieces"] += 1
-        elif name and language != "text":
-            pathlib.Path(folder.name, name).write_text(text)
-            check_use(name, found[at + 1:])
-            done["files"] += 1
-        elif not ((language == "text" and (name == "drawing" or form == "cpp")) or (language == "sh" and not name)):
-            sys.exit(f"nothing is known of a block {language} {name}:\n{text}")
-    print(", ".join(f"{count} {what}" for what, count in done.items()) + f" are as {path} says")
+    done = dict.fromkeys(("programs", "files", "pieces", "commands", "others"), 0)
+    with tempfile.TemporaryDirectory() as folder:
+        fill(folder)
+        for at, block in enumerate(found):
+            kind, count = check_block(block, found[at - 1] if at else ("", "", ""), found[at + 1:], folder)
+            done[kind] += count
+    print(", ".join(f"{count} {kind}" for kind, count in done.items()) + f" are as {path} says")
 
 
 if __name__ == "__main__":

@@ -2,9 +2,14 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cstdint>
+#include <numeric>
+#include <sstream>
 #include <string>
+#include <vector>
 
 #include "norvane/platform/core/storage/datastore/MemoryDataStore.h"
+#include "norvane/platform/data/metadata/tDataType.h"
 #include "records/Fields.h"
 #include "support/PageTables.h"
 
@@ -62,6 +67,37 @@ TEST_F(FormatPage, ListsTheFlags) {
                             {std::to_string(Record::kHasUri), "uri"}};
 
     EXPECT_THAT(table("Entity header/Flag", 2), ElementsAreArray(expected));
+}
+
+// The codes of "2 to 6" and of "10, 11".
+std::vector<std::uint32_t> codesOf(const std::string& cell) {
+    std::istringstream words(cell);
+    std::vector<std::uint32_t> codes;
+    bool isRange = false;
+    for (std::string word; words >> word;) {
+        if (word == "to") {
+            isRange = true;
+            continue;
+        }
+        const auto code = static_cast<std::uint32_t>(std::stoul(word));
+        for (std::uint32_t between = isRange ? codes.back() + 1 : code; between < code; ++between)
+            codes.push_back(between);
+        codes.push_back(code);
+    }
+    return codes;
+}
+
+TEST_F(FormatPage, TellsTheBytesOfAnElementOfEveryType) {
+    std::vector<std::uint32_t> told;
+    for (const Row& row : table("primitive/Type codes", 2))
+        for (const std::uint32_t code : codesOf(row[0])) {
+            told.push_back(code);
+            EXPECT_EQ(row[1], std::to_string(data::metadata::elementSize(code))) << code;
+        }
+
+    std::vector<std::uint32_t> all(data::metadata::kStruct);
+    std::iota(all.begin(), all.end(), 1u);
+    EXPECT_EQ(told, all);
 }
 
 TEST_F(FormatPage, TellsTheLimits) {

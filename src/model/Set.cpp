@@ -199,8 +199,7 @@ bool Set::removeChild(std::u16string_view name) {
     }
     store()->remove(child);
     if (indexed_) forget(name);
-    Record::Offsets list(store(), childrenRecord_);
-    if (list.view().isWhole(Record::Kind::offsets)) list.removeValue(child);
+    Record::removeListed(store(), childrenRecord_, child);
     return true;
 }
 

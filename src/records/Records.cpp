@@ -233,6 +233,50 @@ void Offsets::append(const std::uint32_t* values, std::size_t count) {
     commit();
 }
 
+namespace {
+
+// The first slot of that value; the number of slots if there is none. Lists can be long: slots are compared
+// by the block, of which only one is looked through.
+std::uint32_t slotOf(const View& list, std::uint32_t value) {
+    constexpr std::uint32_t kBlock = 32;
+    const std::uint32_t count = list.valueCount();
+    std::uint32_t index = 0;
+    for (; index + kBlock <= count; index += kBlock) {
+        std::uint32_t block[kBlock];
+        std::memcpy(block, list.bytes() + kOffsetsHeader + std::size_t{index} * 4, sizeof block);
+        std::uint32_t found = 0;
+        for (const std::uint32_t each : block) found |= each == value ? 1u : 0u;
+        if (found != 0) break;
+    }
+    while (index < count && list.value(index) != value) ++index;
+    return index;
+}
+
+void shorten(IDataStore* store, std::uint32_t offset, std::uint32_t size) {
+    const Snapshot record(store, offset);
+    store->write(offset, record->bytes(), size, true);
+}
+
+}  // namespace
+
+bool removeListed(IDataStore* store, std::uint32_t offset, std::uint32_t value) {
+    std::uint32_t size = 0;
+    const void* bytes = offset == IDataStore::BADOFF ? nullptr : store->view(offset, size);
+    if (bytes) {
+        const View list(bytes, size);
+        if (!list.isWhole(Kind::offsets)) return false;
+        const std::uint32_t slot = slotOf(list, value);
+        if (slot == list.valueCount()) return false;
+        const std::uint32_t position = kOffsetsHeader + slot * 4;
+        if (store->patch(offset, position, list.bytes() + position + 4, size - position - 4, true)) {
+            shorten(store, offset, size - 4);
+            return true;
+        }
+    }
+    Offsets list(store, offset);
+    return list.view().isWhole(Kind::offsets) && list.removeValue(value);
+}
+
 Locale::Locale(IDataStore* store) : Base(store) {
     allocate(formatOf(Kind::locale).fixedSize);
     set(field::kind, static_cast<std::uint8_t>(Kind::locale));

@@ -182,6 +182,10 @@ class Offsets : public Base {
     void append(const std::uint32_t* values, std::size_t count);
 };
 
+// Takes the first slot of that value out of the list there, if it is a whole one. The same as `removeValue`,
+// but where the store can, all happens in place. False if there is no such slot.
+bool removeListed(IDataStore* store, std::uint32_t offset, std::uint32_t value);
+
 // Pairs of NUL-terminated texts: a locale and what is said in it.
 class Locale : public Base {
   public:

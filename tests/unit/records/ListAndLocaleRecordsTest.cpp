@@ -129,6 +129,46 @@ TEST_F(ListRecordTest, BytesThatMakeNoWholeValueAreNoValueAndAreKept) {
     EXPECT_EQ(recordAt(store_, offset), listOf({2}).raw("xy"));
 }
 
+// The same with every kind of store, and as the plain form has it.
+class RemoveListedTest : public testing::TestWithParam<Extensions> {
+  public:
+    ~RemoveListedTest() noexcept override = default;
+
+  protected:
+    LoggingStore store_{GetParam()};
+};
+
+TEST_P(RemoveListedTest, TakesTheFirstSlotOfTheValueWhereverItStands) {
+    for (const std::uint32_t count : {1u, 2u, 31u, 32u, 33u, 64u, 100u}) {
+        for (std::uint32_t value = 0; value <= count; ++value) {
+            std::vector<std::uint32_t> values(count);
+            for (std::uint32_t i = 0; i < count; ++i) values[i] = i == count / 2 ? 0 : i;
+            const std::uint32_t offset = appendTo(store_, listOf(values).raw("xy"));
+            const std::uint32_t plain = appendTo(store_, listOf(values).raw("xy"));
+
+            const bool isRemoved = Record::removeListed(&store_, offset, value);
+
+            ASSERT_EQ(isRemoved, Record::Offsets(&store_, plain).removeValue(value));
+            ASSERT_EQ(recordAt(store_, offset), recordAt(store_, plain)) << value << " of " << count;
+        }
+    }
+}
+
+TEST_P(RemoveListedTest, AnAbsentValueAndWhatIsNoListAreLeftAlone) {
+    const std::uint32_t list = appendTo(store_, listOf({1, 2}));
+    const std::uint32_t other = appendTo(store_, RecordBytes().raw("no list"));
+    store_.takeCalls();
+
+    EXPECT_FALSE(Record::removeListed(&store_, list, 3));
+    EXPECT_FALSE(Record::removeListed(&store_, other, 3));
+    EXPECT_FALSE(Record::removeListed(&store_, other + 1, 3));
+    EXPECT_FALSE(Record::removeListed(&store_, IDataStore::BADOFF, 3));
+
+    EXPECT_EQ(store_.changes().size(), 0u);
+}
+
+INSTANTIATE_TEST_SUITE_P(Stores, RemoveListedTest, testing::Values(Extensions::off, Extensions::on));
+
 TEST_F(ListRecordTest, ManyValuesAreAddedInOneWrite) {
     const std::uint32_t offset = stored(listOf({1}));
     const std::uint32_t values[] = {2, 3, 4};

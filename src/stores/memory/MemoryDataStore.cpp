@@ -188,10 +188,11 @@ void MemoryDataStore::extend(std::uint32_t offset, const void* buffer, std::uint
 
 // Most writes change a few bytes of a record that keeps its size; all else is kept out of their way.
 void MemoryDataStore::write(std::uint32_t offset, const void* buffer, std::uint32_t size, bool flag) {
-    Block& block = contents_->at(offset);
-    if (size != block.size) return contents_->rewrite(offset, buffer, size, flag);
-    copyBytes(block.bytes, buffer, size);
-    if (flag) contents_->changed(offset, 0);
+    Contents& contents = *contents_;
+    const Block* block = contents.slots.find(offset);
+    if (!block || size != block->size) return contents.rewrite(offset, buffer, size, flag);
+    copyBytes(block->bytes, buffer, size);
+    if (flag) contents.changed(offset, 0);
 }
 
 std::uint32_t MemoryDataStore::recordSize(std::uint32_t offset) {

@@ -143,6 +143,7 @@ class Overlay {
 
     // Memory.
     void evictIfFull() noexcept;
+    void evictAfterCommit(std::uint64_t freedRecords) noexcept;
     std::uint64_t sweep(std::uint64_t goal) noexcept;
     static bool mayGo(const Slot& slot) noexcept;
     void evict(Slot& slot) noexcept;
@@ -171,6 +172,7 @@ class Overlay {
     std::vector<std::uint32_t> ring_;  // offsets that may be in memory, in the order of eviction
     std::uint64_t residentBytes_ = 0;
     std::uint64_t evictAbove_;
+    std::uint32_t sweptAt_ = 0;     // the epoch of the last pass over what is in memory
     std::uint32_t epoch_ = 1;       // views of another epoch have ended
     std::uint32_t viewsEndAt_ = 0;  // the epoch in which no more views are given
 

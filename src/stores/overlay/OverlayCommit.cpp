@@ -190,7 +190,8 @@ void Overlay::commitIfDue() {
 
 void Overlay::commitChanges() {
     if (!hasChanges()) return;
-    std::sort(listed_.begin(), listed_.end());
+    // New records were listed in order.
+    if (!std::is_sorted(listed_.begin(), listed_.end())) std::sort(listed_.begin(), listed_.end());
     std::vector<Change> changes;
     std::vector<std::unique_ptr<std::byte[]>> closed;
     changes.reserve(static_cast<std::size_t>(dirtyCount_));
@@ -210,6 +211,7 @@ void Overlay::commitChanges() {
 
 // Everything here is in the backend now, and cannot be undone any more.
 void Overlay::becomeCommitted(const StoreMeta& meta) noexcept {
+    const std::uint64_t freed = dirtyCount_;
     for (const std::uint32_t offset : listed_) {
         Slot& slot = *slots_.find(offset);
         if (slot.isDirty) slot.isStored = slot.presence == Presence::present;
@@ -225,8 +227,7 @@ void Overlay::becomeCommitted(const StoreMeta& meta) noexcept {
     next_ = meta.next;
     recordCount_ = meta.recordCount;
     lastCommit_ = std::chrono::steady_clock::now();
-    evictAbove_ = options_.memoryLimit;  // what had to stay may go now
-    evictIfFull();
+    evictAfterCommit(freed);
 }
 
 void Overlay::rollback() {

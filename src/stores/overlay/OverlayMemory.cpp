@@ -13,8 +13,16 @@ constexpr std::uint64_t kStep = 8;
 
 }  // namespace
 
+// What had to stay, and what was closed since the last pass, may go now. Where that is little, as with small
+// commits while much is open, the next pass would find little: passes cost no more than what they follow.
+void Overlay::evictAfterCommit(std::uint64_t freedRecords) noexcept {
+    if (freedRecords + (epoch_ - sweptAt_) >= ring_.size() / kStep) evictAbove_ = options_.memoryLimit;
+    evictIfFull();
+}
+
 void Overlay::evictIfFull() noexcept {
     if (residentBytes_ <= evictAbove_) return;
+    sweptAt_ = epoch_;
     const std::uint64_t goal = options_.memoryLimit - options_.memoryLimit / kStep;
     keepSatellites(true);
     std::uint64_t viewedBytes = 0;
@@ -82,6 +90,7 @@ void Overlay::forgetRecords() noexcept {
         if (Slot& slot = *slots_.find(offset); slot.presence == Presence::present) dropBytes(slot);
     ring_.clear();
     slots_.clear();
+    evictAbove_ = options_.memoryLimit;
 }
 
 }  // namespace norvane::platform::core::storage::datastore

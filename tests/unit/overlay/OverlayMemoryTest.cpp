@@ -151,6 +151,46 @@ TEST_F(OverlayMemoryTest, MuchThatCannotGoIsNotLookedAtForEachRecord) {
     EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(2));
 }
 
+TEST_F(OverlayMemoryTest, SmallCommitsWhileMuchIsOpenLeaveInMemoryWhatIsThere) {
+    const std::string closed = entity(0, std::string(kRecordSize, '\0'));
+    std::string open = closed;
+    open[5] = 1;
+    std::vector<std::uint32_t> offsets;
+    for (std::uint32_t i = 0; i < kRecords; ++i)
+        offsets.push_back(store->append(closed.data(), sizeOf(closed)));
+    store->overlay.commit();
+    for (const std::uint32_t offset : offsets) store->write(offset, open.data(), sizeOf(open), false);
+    store->overlay.commit();
+    bytes(17);
+    const std::size_t loads = backend.loads();
+
+    for (int round = 0; round < 20; ++round) {
+        store->patch(offsets[0], 50, "changed", 7, true);
+        store->overlay.commit();
+        bytes(17);
+    }
+
+    EXPECT_EQ(backend.loads(), loads);
+}
+
+TEST_F(OverlayMemoryTest, WhatWasClosedGoesAtTheNextCommit) {
+    const std::string closed = entity(0, std::string(kRecordSize, '\0'));
+    std::string open = closed;
+    open[5] = 1;
+    std::vector<std::uint32_t> offsets;
+    for (std::uint32_t i = 0; i < kRecords; ++i)
+        offsets.push_back(store->append(closed.data(), sizeOf(closed)));
+    for (const std::uint32_t offset : offsets) store->write(offset, open.data(), sizeOf(open), false);
+    store->overlay.commit();
+    EXPECT_GT(store->overlay.residentBytes(), kRecords * kRecordSize);
+
+    for (const std::uint32_t offset : offsets) store->write(offset, closed.data(), sizeOf(closed), false);
+    store->patch(offsets[0], 50, "changed", 7, true);
+    store->overlay.commit();
+
+    EXPECT_LE(store->overlay.residentBytes(), kLimit);
+}
+
 TEST_F(OverlayMemoryTest, FailedLoadLeavesTheRecordToBeLoaded) {
     backend.failAll();
     EXPECT_THROW(bytes(5), StoreError);

@@ -17,6 +17,15 @@ bool areNumbers(const Statement& row, int first, int last) {
     return true;
 }
 
+const char* addRecordsSql() {
+    static const std::string sql = [] {
+        std::string text = "INSERT INTO record(id, crc, data) VALUES(?, ?, ?)";
+        for (std::size_t i = 1; i < kNewRows; ++i) text += ",(?, ?, ?)";
+        return text;
+    }();
+    return sql.c_str();
+}
+
 }  // namespace
 
 Connection::Statements::Statements(Database& database)
@@ -28,6 +37,7 @@ Connection::Statements::Statements(Database& database)
               Doing::writing),
       record(database, "SELECT crc, data FROM record WHERE id = ?", Doing::reading),
       addRecord(database, "INSERT INTO record(id, crc, data) VALUES(?, ?, ?)", Doing::writing),
+      addRecords(database, addRecordsSql(), Doing::writing),
       changeRecord(database, "UPDATE record SET crc = ?2, data = ?3 WHERE id = ?1", Doing::writing),
       eraseRecord(database, "DELETE FROM record WHERE id = ?", Doing::writing),
       parts(database, "SELECT id, data FROM part WHERE id BETWEEN ? AND ? ORDER BY id", Doing::reading),
@@ -39,14 +49,15 @@ Connection::Statements::Statements(Database& database)
       pageCount(database, "PRAGMA page_count", Doing::reading),
       pageSize(database, "PRAGMA page_size", Doing::reading) {}
 
-Connection::Connection(const std::string& path, Database::Mode mode) : mode_(mode), database_(path, mode) {
+Connection::Connection(const std::string& path, Database::Mode mode)
+    : mode_(mode), database_(path, mode), statements_(database_) {
     if (mode == Database::Mode::create) makeTables();
     checkTables();
-    statements_.emplace(database_);
 }
 
 // Nobody sees the file before it is whole and synced, so what SQLite does for one in use is left out.
 void Connection::makeTables() {
+    database_.useMuchMemory();
     const std::string identity = "PRAGMA application_id=" + std::to_string(kApplicationId) +
                                  "; PRAGMA user_version=" + std::to_string(kLayoutVersion);
     database_.run(
@@ -83,7 +94,7 @@ void Connection::endReading() noexcept {
 }
 
 MetaRow Connection::meta() {
-    Statement& row = statements_->meta;
+    Statement& row = statements_.meta;
     const Rows atEnd(row);
     if (!row.step() || !areNumbers(row, 0, 6)) failDamaged("says nothing of itself", IDataStore::BADOFF);
     MetaRow found;
@@ -99,7 +110,7 @@ MetaRow Connection::meta() {
 }
 
 void Connection::putMeta(const MetaRow& row) {
-    statements_->putMeta.bind(1, row.meta.version)
+    statements_.putMeta.bind(1, row.meta.version)
         .bind(2, static_cast<std::int64_t>(row.meta.next))
         .bind(3, static_cast<std::int64_t>(row.meta.recordCount))
         .bind(4, static_cast<std::int64_t>(row.meta.revision))
@@ -110,7 +121,8 @@ void Connection::putMeta(const MetaRow& row) {
 }
 
 bool Connection::load(std::uint32_t offset, LoadTarget& target) {
-    Statement& row = statements_->record;
+    if (++loadCount_ == kFewLoads) database_.useMuchMemory();
+    Statement& row = statements_.record;
     const Rows atEnd(row);
     if (!row.bind(1, offset).step()) return false;
     const std::int64_t wanted = row.number(0);
@@ -130,7 +142,7 @@ bool Connection::load(std::uint32_t offset, LoadTarget& target) {
 }
 
 void Connection::loadWhole(std::uint32_t offset, Checksum wanted, LoadTarget& target) {
-    const std::span<const std::byte> bytes = statements_->record.bytes(1);
+    const std::span<const std::byte> bytes = statements_.record.bytes(1);
     if (checksumOf(offset, bytes) != wanted) failDamaged("a record with a wrong checksum", offset);
     std::byte* to = target.take(static_cast<std::uint32_t>(bytes.size()));
     if (!bytes.empty()) std::memcpy(to, bytes.data(), bytes.size());
@@ -138,12 +150,12 @@ void Connection::loadWhole(std::uint32_t offset, Checksum wanted, LoadTarget& ta
 
 // What a damaged size asks for is not more than the file has.
 std::uint32_t Connection::sizeOfParts(std::uint32_t offset) {
-    const std::int64_t size = statements_->record.number(1);
-    const Rows countAtEnd(statements_->pageCount);
-    const Rows sizeAtEnd(statements_->pageSize);
-    statements_->pageCount.step();
-    statements_->pageSize.step();
-    const std::int64_t most = statements_->pageCount.number(0) * statements_->pageSize.number(0);
+    const std::int64_t size = statements_.record.number(1);
+    const Rows countAtEnd(statements_.pageCount);
+    const Rows sizeAtEnd(statements_.pageSize);
+    statements_.pageCount.step();
+    statements_.pageSize.step();
+    const std::int64_t most = statements_.pageCount.number(0) * statements_.pageSize.number(0);
     if (size <= 0 || size > most || size > std::int64_t{0xFFFFFFFF})
         failDamaged("a record of a size that cannot be", offset);
     return static_cast<std::uint32_t>(size);
@@ -153,7 +165,7 @@ void Connection::loadParts(std::uint32_t offset, Checksum wanted, LoadTarget& ta
     const std::uint32_t size = sizeOfParts(offset);
     std::byte* to = target.take(size);
     RecordChecksum checksum(offset);
-    Statement& part = statements_->parts;
+    Statement& part = statements_.parts;
     const Rows atEnd(part);
     std::uint32_t done = 0;
     part.bind(1, firstPart(offset)).bind(2, firstPart(offset + 1ull) - 1);
@@ -168,11 +180,21 @@ void Connection::loadParts(std::uint32_t offset, Checksum wanted, LoadTarget& ta
 }
 
 void Connection::add(std::uint32_t offset, std::span<const std::byte> bytes, std::uint32_t partSize) {
-    put(statements_->addRecord, offset, bytes, partSize);
+    put(statements_.addRecord, offset, bytes, partSize);
+}
+
+void Connection::add(const std::array<NewRow, kNewRows>& rows) {
+    int position = 0;
+    for (const NewRow& row : rows) {
+        statements_.addRecords.bind(++position, row.offset);
+        statements_.addRecords.bind(++position, checksumOf(row.offset, row.bytes));
+        statements_.addRecords.bind(++position, row.bytes);
+    }
+    statements_.addRecords.run();
 }
 
 void Connection::change(std::uint32_t offset, std::span<const std::byte> bytes, std::uint32_t partSize) {
-    put(statements_->changeRecord, offset, bytes, partSize);
+    put(statements_.changeRecord, offset, bytes, partSize);
     requireRow(offset);
 }
 
@@ -189,13 +211,13 @@ void Connection::put(Statement& row, std::uint32_t offset, std::span<const std::
 void Connection::putParts(std::uint32_t offset, std::span<const std::byte> bytes, std::uint32_t each) {
     std::int64_t id = firstPart(offset);
     for (std::size_t at = 0; at < bytes.size(); at += each, ++id)
-        statements_->putPart.bind(1, id)
+        statements_.putPart.bind(1, id)
             .bind(2, bytes.subspan(at, std::min<std::size_t>(each, bytes.size() - at)))
             .run();
 }
 
 void Connection::erase(std::uint32_t offset) {
-    statements_->eraseRecord.bind(1, offset).run();
+    statements_.eraseRecord.bind(1, offset).run();
     requireRow(offset);
 }
 
@@ -205,18 +227,18 @@ void Connection::requireRow(std::uint32_t offset) {
 }
 
 void Connection::eraseParts(std::uint32_t offset) {
-    statements_->eraseParts.bind(1, firstPart(offset))
+    statements_.eraseParts.bind(1, firstPart(offset))
         .bind(2, firstPart(offset) + std::int64_t{kMostParts} - 1)
         .run();
 }
 
 bool Connection::anyParts() {
-    const Rows atEnd(statements_->anyParts);
-    return statements_->anyParts.step();
+    const Rows atEnd(statements_.anyParts);
+    return statements_.anyParts.step();
 }
 
 LiveBits Connection::liveBits(std::uint32_t block) {
-    Statement& row = statements_->live;
+    Statement& row = statements_.live;
     const Rows atEnd(row);
     const std::uint32_t first = block * kBlockSize;
     if (!row.bind(1, block).step()) failDamaged("a part of the directory is missing", first);
@@ -234,7 +256,7 @@ LiveBits Connection::liveBits(std::uint32_t block) {
 void Connection::putLiveBits(std::uint32_t block, const LiveBits& bits) {
     const bool isEmpty = bits == LiveBits{};
     const std::span<const std::byte> bytes = isEmpty ? std::span<const std::byte>() : std::span(bits);
-    statements_->putLive.bind(1, block).bind(2, checksumOfBlock(block, bytes)).bind(3, bytes).run();
+    statements_.putLive.bind(1, block).bind(2, checksumOfBlock(block, bytes)).bind(3, bytes).run();
 }
 
 void Connection::failDamaged(const char* words, std::uint32_t offset) const {

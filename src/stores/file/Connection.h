@@ -1,8 +1,8 @@
 // A connection to a store file, with the statements that read and write its tables.
 #pragma once
 
+#include <array>
 #include <cstdint>
-#include <optional>
 #include <span>
 #include <string>
 
@@ -11,6 +11,14 @@
 #include "stores/overlay/Backend.h"
 
 namespace norvane::platform::core::storage::datastore {
+
+// A record that is not in the file yet.
+struct NewRow {
+    std::uint32_t offset = 0;
+    std::span<const std::byte> bytes;
+};
+// What one statement adds: within it SQLite stays where the last row went, as long as offsets rise.
+inline constexpr std::size_t kNewRows = 64;
 
 class Connection {
   public:
@@ -26,7 +34,10 @@ class Connection {
     bool isReading() const noexcept { return sqlite3_get_autocommit(database_.handle()) == 0; }
 
     // Keeps other writers out, also those that know of no other lock.
-    void beginWriting() { database_.run("BEGIN IMMEDIATE", Doing::writing); }
+    void beginWriting() {
+        database_.useMuchMemory();
+        database_.run("BEGIN IMMEDIATE", Doing::writing);
+    }
     void commit() { database_.run("COMMIT", Doing::writing); }
     void rollBack() noexcept { database_.tryRun("ROLLBACK"); }
 
@@ -38,6 +49,8 @@ class Connection {
     // Each is for a record that there is not, or is: the caller knows from the directory. Throws `damaged` if
     // the table says otherwise.
     void add(std::uint32_t offset, std::span<const std::byte> bytes, std::uint32_t partSize);
+    // Adds so many at once, none of which is in parts. The bytes are borrowed until it returns.
+    void add(const std::array<NewRow, kNewRows>& rows);
     void change(std::uint32_t offset, std::span<const std::byte> bytes, std::uint32_t partSize);
     void erase(std::uint32_t offset);
     // Needed before a record with parts is changed or removed.
@@ -60,12 +73,14 @@ class Connection {
     std::uint32_t sizeOfParts(std::uint32_t offset);
     [[noreturn]] void failDamaged(const char* words, std::uint32_t offset) const;
 
-    // Made once the tables are known to be right.
+    // Until so many records were loaded, few pages stay in memory.
+    static constexpr std::uint32_t kFewLoads = 2000;
+
     struct Statements {
         explicit Statements(Database& database);
 
         Statement meta, putMeta;
-        Statement record, addRecord, changeRecord, eraseRecord;
+        Statement record, addRecord, addRecords, changeRecord, eraseRecord;
         Statement parts, putPart, eraseParts, anyParts;
         Statement live, putLive;
         Statement pageCount, pageSize;
@@ -73,7 +88,8 @@ class Connection {
 
     const Database::Mode mode_;
     Database database_;
-    std::optional<Statements> statements_;
+    Statements statements_;
+    std::uint32_t loadCount_ = 0;
 };
 
 }  // namespace norvane::platform::core::storage::datastore

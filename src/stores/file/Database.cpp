@@ -66,10 +66,16 @@ void Database::setUp(Doing doing) {
     sqlite3_limit(db_, SQLITE_LIMIT_EXPR_DEPTH, 20);
     sqlite3_limit(db_, SQLITE_LIMIT_TRIGGER_DEPTH, 1);
     waitFor(kShortWait);
-    run("PRAGMA temp_store=MEMORY; PRAGMA cache_size=-6000; PRAGMA cell_size_check=ON; PRAGMA mmap_size=0;"
+    run("PRAGMA temp_store=MEMORY; PRAGMA cache_size=-200; PRAGMA cell_size_check=ON; PRAGMA mmap_size=0;"
         "PRAGMA synchronous=FULL; PRAGMA wal_autocheckpoint=0; PRAGMA secure_delete=ON",
         doing);
     if (doing == Doing::reading) run("PRAGMA query_only=ON", doing);
+}
+
+// Should that fail, it keeps to what it has.
+void Database::useMuchMemory() noexcept {
+    if (!usesMuchMemory_) tryRun("PRAGMA cache_size=-6000");
+    usesMuchMemory_ = true;
 }
 
 void Database::run(const char* sql, Doing doing) {
@@ -80,8 +86,11 @@ int Database::tryRun(const char* sql) noexcept { return sqlite3_exec(db_, sql, n
 
 void Database::keepLog() noexcept { sqlite3_db_config(db_, SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr); }
 
-Statement::Statement(Database& database, const char* sql, Doing doing) : database_(database), doing_(doing) {
-    check(sqlite3_prepare_v3(database.handle(), sql, -1, SQLITE_PREPARE_PERSISTENT, &statement_, nullptr));
+sqlite3_stmt* Statement::prepared() {
+    if (!statement_)
+        check(sqlite3_prepare_v3(database_.handle(), sql_, -1, SQLITE_PREPARE_PERSISTENT, &statement_,
+                                 nullptr));
+    return statement_;
 }
 
 void Statement::check(int answer) const {
@@ -89,19 +98,19 @@ void Statement::check(int answer) const {
 }
 
 Statement& Statement::bind(int position, std::int64_t number) {
-    check(sqlite3_bind_int64(statement_, position, number));
+    check(sqlite3_bind_int64(prepared(), position, number));
     return *this;
 }
 
 Statement& Statement::bind(int position, std::span<const std::byte> bytes) {
     // Null would be no bytes at all instead of none.
     const void* from = bytes.empty() ? static_cast<const void*>("") : bytes.data();
-    check(sqlite3_bind_blob64(statement_, position, from, bytes.size(), SQLITE_STATIC));
+    check(sqlite3_bind_blob64(prepared(), position, from, bytes.size(), SQLITE_STATIC));
     return *this;
 }
 
 bool Statement::step() {
-    const int answer = sqlite3_step(statement_);
+    const int answer = sqlite3_step(prepared());
     if (answer != SQLITE_ROW && answer != SQLITE_DONE) database_.fail(answer, doing_);
     return answer == SQLITE_ROW;
 }

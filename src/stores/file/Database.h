@@ -39,6 +39,9 @@ class Database {
     // How long to wait for a lock that others hold for a short time only.
     void waitFor(int milliseconds) noexcept { sqlite3_busy_timeout(db_, milliseconds); }
     static constexpr int kShortWait = 2000;
+    // Keeps many pages in memory instead of some. Memory that is taken for the first time costs more than to
+    // read a page again, so whoever looks only at a few records is better off without.
+    void useMuchMemory() noexcept;
 
     [[noreturn]] void fail(int answer, Doing doing) const { failSqlite(path_, doing, answer, db_); }
 
@@ -47,12 +50,16 @@ class Database {
 
     std::string path_;
     sqlite3* db_ = nullptr;
+    bool usesMuchMemory_ = false;
 };
 
-// A prepared statement. Positions of parameters and columns are from 1 and from 0, as SQLite counts.
+// A statement, which is prepared when it is used for the first time: few of them are in one session.
+// Positions of parameters and columns are from 1 and from 0, as SQLite counts.
 class Statement {
   public:
-    Statement(Database& database, const char* sql, Doing doing);
+    // The text is borrowed.
+    Statement(Database& database, const char* sql, Doing doing)
+        : database_(database), sql_(sql), doing_(doing) {}
     Statement(const Statement&) = delete;
     Statement& operator=(const Statement&) = delete;
     ~Statement() { sqlite3_finalize(statement_); }
@@ -73,9 +80,11 @@ class Statement {
     std::string text(int column) const;
 
   private:
+    sqlite3_stmt* prepared();
     void check(int answer) const;
 
     Database& database_;
+    const char* const sql_;
     sqlite3_stmt* statement_ = nullptr;
     Doing doing_;
 };

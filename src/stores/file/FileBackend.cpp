@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <exception>
 #include <new>
 #include <optional>
@@ -78,7 +79,7 @@ class Reader final : public OpenBackend {
     explicit Reader(const std::string& path) : OpenBackend(path, OpenFile::Purpose::read) { begin(); }
 
     bool load(std::uint32_t offset, LoadTarget& target) override {
-        requireOpen();
+        if (!session_) requireOpen();
         return session_->reading([&] { return OpenBackend::load(offset, target); });
     }
     void commit(std::span<const Change>, const StoreMeta&) override { refuse(); }
@@ -129,6 +130,30 @@ class Reader final : public OpenBackend {
     }
 };
 
+// New records on their way to the file, many at once. The bytes are borrowed until `finish`.
+class NewRows {
+  public:
+    NewRows(Connection& connection, std::uint32_t partSize) : connection_(connection), partSize_(partSize) {}
+
+    void add(const NewRow& row) {
+        if (row.bytes.size() > kSmallestPart) return connection_.add(row.offset, row.bytes, partSize_);
+        rows_[count_++] = row;
+        if (count_ < rows_.size()) return;
+        connection_.add(rows_);
+        count_ = 0;
+    }
+    void finish() {
+        for (std::size_t i = 0; i < count_; ++i) connection_.add(rows_[i].offset, rows_[i].bytes, partSize_);
+        count_ = 0;
+    }
+
+  private:
+    Connection& connection_;
+    const std::uint32_t partSize_;
+    std::array<NewRow, kNewRows> rows_;
+    std::size_t count_ = 0;
+};
+
 class Writer final : public OpenBackend {
   public:
     Writer(const std::string& path, const Options& options)
@@ -156,6 +181,7 @@ class Writer final : public OpenBackend {
     void adopt(const MetaRow& found);
     void beginCommit();
     void apply(std::span<const Change> changes, const StoreMeta& meta);
+    void put(std::span<const Change> changes);
     void giveUpConnection() noexcept;
     void requireFile();
     void trimLog();
@@ -241,22 +267,28 @@ void Writer::beginCommit() {
 }
 
 void Writer::apply(std::span<const Change> changes, const StoreMeta& meta) {
-    const std::uint64_t blocks = blockCount(base_.meta.next);
-    const bool anyParts = connection().anyParts();
     live_.drop();
-    for (const Change& change : changes) {
-        const std::span<const std::byte> bytes(change.bytes, change.size);
-        const bool wasLive = live_.set(connection(), change.offset, !change.isRemoved, blocks);
-        if (wasLive && anyParts) connection().eraseParts(change.offset);
-        if (!wasLive && !change.isRemoved) connection().add(change.offset, bytes, partSize_);
-        if (wasLive && !change.isRemoved) connection().change(change.offset, bytes, partSize_);
-        if (wasLive && change.isRemoved) connection().erase(change.offset);
-    }
-    live_.write(connection(), blocks, blockCount(meta.next));
+    put(changes);
+    live_.write(connection(), blockCount(base_.meta.next), blockCount(meta.next));
     attempt_ = {meta, newToken(), base_.token};
     attempt_.meta.revision = base_.meta.revision + 1;
     connection().putMeta(attempt_);
     connection().commit();
+}
+
+void Writer::put(std::span<const Change> changes) {
+    const std::uint64_t blocks = blockCount(base_.meta.next);
+    const bool anyParts = connection().anyParts();
+    NewRows added(connection(), partSize_);
+    for (const Change& change : changes) {
+        const std::span<const std::byte> bytes(change.bytes, change.size);
+        const bool wasLive = live_.set(connection(), change.offset, !change.isRemoved, blocks);
+        if (wasLive && anyParts) connection().eraseParts(change.offset);
+        if (!wasLive && !change.isRemoved) added.add({change.offset, bytes});
+        if (wasLive && !change.isRemoved) connection().change(change.offset, bytes, partSize_);
+        if (wasLive && change.isRemoved) connection().erase(change.offset);
+    }
+    added.finish();
 }
 
 void Writer::giveUpConnection() noexcept {

@@ -1,11 +1,10 @@
 #include "stores/file/Layout.h"
 
-#include <zlib.h>
-
 #include <algorithm>
 #include <cstring>
 #include <random>
 
+#include "stores/file/Crc32.h"
 #include "stores/file/Failure.h"
 #include "stores/file/OpenFile.h"
 
@@ -28,21 +27,14 @@ using FileHeader = std::array<std::byte, kFileHeaderSize>;
 // The sum goes on over bytes of the number, the lowest first.
 template <class Number>
 std::uint32_t crcWith(std::uint32_t crc, Number number) {
-    unsigned char bytes[sizeof number];
-    for (std::size_t at = 0; at < sizeof number; ++at)
-        bytes[at] = static_cast<unsigned char>(number >> (8 * at));
-    return static_cast<std::uint32_t>(::crc32_z(crc, bytes, sizeof bytes));
-}
-
-std::uint32_t crcWith(std::uint32_t crc, std::span<const std::byte> bytes) {
-    if (bytes.empty()) return crc;  // To zlib, null is a wish to begin.
-    return static_cast<std::uint32_t>(
-        ::crc32_z(crc, reinterpret_cast<const unsigned char*>(bytes.data()), bytes.size()));
+    std::byte bytes[sizeof number];
+    for (std::size_t at = 0; at < sizeof number; ++at) bytes[at] = static_cast<std::byte>(number >> (8 * at));
+    return crc32With(crc, bytes);
 }
 
 // Rows of different tables look alike: a word of their own keeps one from passing for another.
 std::uint32_t crcWith(std::uint32_t crc, const char* word) {
-    return crcWith(crc, std::as_bytes(std::span(word, std::strlen(word))));
+    return crc32With(crc, std::as_bytes(std::span(word, std::strlen(word))));
 }
 
 std::uint32_t numberAt(const FileHeader& header, std::size_t position) {
@@ -66,7 +58,7 @@ std::uint32_t partSizeFor(std::uint32_t recordSize, std::uint32_t wanted) {
 
 RecordChecksum::RecordChecksum(std::uint32_t offset) : crc_(crcWith(0, offset)) {}
 
-void RecordChecksum::add(std::span<const std::byte> bytes) { crc_ = crcWith(crc_, bytes); }
+void RecordChecksum::add(std::span<const std::byte> bytes) { crc_ = crc32With(crc_, bytes); }
 
 Checksum checksumOf(std::uint32_t offset, std::span<const std::byte> bytes) {
     RecordChecksum checksum(offset);
@@ -75,7 +67,7 @@ Checksum checksumOf(std::uint32_t offset, std::span<const std::byte> bytes) {
 }
 
 Checksum checksumOfBlock(std::uint32_t block, std::span<const std::byte> bits) {
-    return static_cast<Checksum>(crcWith(crcWith(crcWith(0, "live"), block), bits));
+    return static_cast<Checksum>(crc32With(crcWith(crcWith(0, "live"), block), bits));
 }
 
 Checksum checksumOf(const MetaRow& row) {

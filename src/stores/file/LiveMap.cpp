@@ -29,13 +29,24 @@ LiveBits& LiveMap::cached(Connection& connection, std::uint32_t block) {
 
 bool LiveMap::set(Connection& connection, std::uint32_t offset, bool isLive, std::uint64_t blocks) {
     const std::uint32_t block = offset / kBlockSize;
-    auto found = staged_.find(block);
-    if (found == staged_.end())
-        found = staged_.emplace(block, block < blocks ? cached(connection, block) : LiveBits{}).first;
-    std::byte& bits = found->second[placeOf(offset)];
+    if (!lastStaged_ || lastStaged_->first != block) {
+        const auto found = staged_.find(block);
+        lastStaged_ = found != staged_.end() ? &*found : &stage(connection, block, blocks);
+    }
+    std::byte& bits = lastStaged_->second[placeOf(offset)];
     const bool wasLive = (bits & maskOf(offset)) != std::byte{0};
     bits = isLive ? bits | maskOf(offset) : bits & ~maskOf(offset);
     return wasLive;
+}
+
+std::pair<const std::uint32_t, LiveBits>& LiveMap::stage(Connection& connection, std::uint32_t block,
+                                                         std::uint64_t blocks) {
+    return *staged_.emplace(block, block < blocks ? cached(connection, block) : LiveBits{}).first;
+}
+
+void LiveMap::drop() noexcept {
+    staged_.clear();
+    lastStaged_ = nullptr;
 }
 
 void LiveMap::write(Connection& connection, std::uint64_t blocksBefore, std::uint64_t blocksAfter) {

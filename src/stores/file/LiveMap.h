@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <map>
 #include <unordered_map>
+#include <utility>
 
 #include "stores/file/Connection.h"
 #include "stores/file/Layout.h"
@@ -22,18 +23,21 @@ class LiveMap {
     // Writes them, and a row for every block that is new.
     void write(Connection& connection, std::uint64_t blocksBefore, std::uint64_t blocksAfter);
     void keep();
-    void drop() noexcept { staged_.clear(); }
+    void drop() noexcept;
 
     // Forgets what it has read.
     void clear() noexcept;
 
   private:
     LiveBits& cached(Connection& connection, std::uint32_t block);
+    std::pair<const std::uint32_t, LiveBits>& stage(Connection& connection, std::uint32_t block,
+                                                    std::uint64_t blocks);
 
     static constexpr std::size_t kMostCached = 2048;
 
     std::unordered_map<std::uint32_t, LiveBits> cache_;
     std::map<std::uint32_t, LiveBits> staged_;
+    std::pair<const std::uint32_t, LiveBits>* lastStaged_ = nullptr;  // most often changed again
     LiveBits* last_ = nullptr;  // the block that was asked for last, most often asked for again
     std::uint32_t lastBlock_ = 0;
 };

@@ -1,6 +1,7 @@
 // What an overlay knows of each record, by offset.
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -38,36 +39,51 @@ struct Slot {
     bool isHeld : 1 = false;    // a rollback has forgotten handles on it, which are still to be closed
 };
 
-// Slots come into being when they are first asked for, in pages, so that a store of many records costs
-// nothing to open. They stay where they are until `dropUnknown`.
+// Slots come into being when they are first asked for, in small pages, so that a store of many records costs
+// nothing to open and a look at a few that lie far apart little. They stay where they are until
+// `dropUnknown`.
 class Slots {
   public:
     // The slot of any offset. Throws `std::bad_alloc`.
     Slot& at(std::uint32_t offset) {
-        const std::size_t index = offset / kPageSize;
-        if (index >= pages_.size()) pages_.resize(index + 1);
-        if (!pages_[index]) pages_[index] = std::make_unique<Page>();
-        return (*pages_[index])[offset % kPageSize];
+        const std::size_t index = offset / kBookSize;
+        if (index >= books_.size()) books_.resize(index + 1);
+        if (!books_[index]) books_[index] = std::make_unique<Book>();
+        std::unique_ptr<Page>& page = pageOf(*books_[index], offset);
+        if (!page) page = std::make_unique<Page>();
+        return (*page)[offset % kPageSize];
     }
 
     // The slot of an offset that was asked for before; null if it was not.
     Slot* find(std::uint32_t offset) const noexcept {
-        const std::size_t index = offset / kPageSize;
-        if (index >= pages_.size() || !pages_[index]) return nullptr;
-        return &(*pages_[index])[offset % kPageSize];
+        const std::size_t index = offset / kBookSize;
+        if (index >= books_.size() || !books_[index]) return nullptr;
+        const std::unique_ptr<Page>& page = pageOf(*books_[index], offset);
+        return page ? &(*page)[offset % kPageSize] : nullptr;
     }
 
     // Gives back the pages that say nothing.
     void dropUnknown() noexcept {
-        for (auto& page : pages_)
-            if (page && saysNothing(*page)) page.reset();
+        for (auto& book : books_) {
+            if (!book) continue;
+            for (auto& page : *book)
+                if (page && saysNothing(*page)) page.reset();
+            if (std::none_of(book->begin(), book->end(), [](const auto& page) { return bool(page); }))
+                book.reset();
+        }
     }
 
-    void clear() noexcept { pages_.clear(); }
+    void clear() noexcept { books_.clear(); }
 
   private:
-    static constexpr std::size_t kPageSize = 64;
+    static constexpr std::size_t kPageSize = 8;
+    static constexpr std::size_t kBookSize = 16 * kPageSize;
     using Page = std::array<Slot, kPageSize>;
+    using Book = std::array<std::unique_ptr<Page>, kBookSize / kPageSize>;
+
+    static std::unique_ptr<Page>& pageOf(Book& book, std::uint32_t offset) noexcept {
+        return book[offset % kBookSize / kPageSize];
+    }
 
     static bool saysNothing(const Page& page) noexcept {
         for (const Slot& slot : page)
@@ -76,7 +92,7 @@ class Slots {
         return true;
     }
 
-    std::vector<std::unique_ptr<Page>> pages_;
+    std::vector<std::unique_ptr<Book>> books_;
 };
 
 }  // namespace norvane::platform::core::storage::datastore

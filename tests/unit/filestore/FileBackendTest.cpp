@@ -64,6 +64,29 @@ TEST(FileBackendTest, LargeRecordsGoThroughParts) {
     EXPECT_EQ(revisionOf(*openReader(folder / "model.qvt")), revision);
 }
 
+// Many go into the file with one statement, and others come between.
+TEST(FileBackendTest, KeepsManyNewRecordsAmongChangedOnes) {
+    const Folder folder;
+    FileDataStore::Options options;
+    options.partSize = 4096;
+    Revision revision;
+    const auto writer = openWriter(folder / "model.qvt", options);
+    Batch first, second;
+    for (std::uint32_t offset = 0; offset < 1000; offset += 3) first[offset] = std::to_string(offset);
+    for (std::uint32_t offset = 0; offset < 1500; ++offset) {
+        second[offset] = std::string(offset % 100 == 50 ? 5000 : offset % 70, static_cast<char>(offset));
+        if (offset % 9 == 0 && offset < 1000) second[offset] = std::nullopt;
+    }
+
+    commit(*writer, revision, first);
+    EXPECT_EQ(revisionOf(*writer), revision);
+    commit(*writer, revision, second);
+    EXPECT_EQ(revisionOf(*writer), revision);
+    writer->close();
+
+    EXPECT_EQ(revisionOf(*openReader(folder / "model.qvt")), revision);
+}
+
 // Only 4096 parts have a place.
 TEST(FileBackendTest, PartsGrowWhereThereWouldBeTooMany) {
     const Folder folder;

@@ -191,6 +191,20 @@ TEST_F(TamperedFileTest, AChangeOfAHiddenRecordIsRefused) {
     EXPECT_EQ(loaded(*writer, 0), "changed");
 }
 
+TEST_F(TamperedFileTest, NewRecordsDoNotTakeThePlaceOfARowThatShouldNotBeThere) {
+    run("INSERT INTO record VALUES(5070, 1, x'00')");
+    const auto writer = openWriter(path_);
+    Batch batch;
+    for (std::uint32_t offset = 5001; offset < 5200; ++offset) batch[offset] = "new";
+
+    EXPECT_EQ(codeOfFailure([&] { commit(*writer, revision_, batch); }), Code::damaged);
+
+    EXPECT_EQ(loaded(*writer, 5001), std::nullopt);
+    batch.erase(batch.begin(), batch.find(5071));
+    commit(*writer, revision_, batch);
+    EXPECT_EQ(loaded(*writer, 5199), "new");
+}
+
 TEST_F(TamperedFileTest, ASizeOfPagesOfItsOwnIsRefused) {
     run("PRAGMA journal_mode=DELETE; PRAGMA page_size=8192; VACUUM; PRAGMA journal_mode=WAL");
     expectNotOpened("identity");

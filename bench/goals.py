@@ -218,10 +218,12 @@ class Plan:
             return fields["bytes"] / fields["units"]
 
         self.peer("memory of a value, props", "bytes", a_value, ours=Measurement("import", "memory", props),
+                  libxml2_tree=Measurement("libxml2", "memory", props),
                   pugixml=Measurement("pugixml", "memory", props))
         nodes = self.size(10_000, 1_000)
         self.peer("memory of a member: inherited here, written out there", "bytes", a_value,
                   ours=Measurement("import", "memory", Document("classes", nodes)),
+                  libxml2_tree=Measurement("libxml2", "memory", Document("copies", nodes)),
                   pugixml=Measurement("pugixml", "memory", Document("copies", nodes)))
 
     def arrays(self):
@@ -279,10 +281,10 @@ class Plan:
         def on(task, threads, document=None):
             return Measurement("threads", task, document, more=(("threads", threads),))
 
-        props = Document("props", self.size(20_000, 2_000))
+        props, small = Document("props", self.size(20_000, 2_000)), Document("props", 2_000)
         for what, task, document, many, hold, aim in (
                 ("cached lookups of a locator", "locator", None, 2, 1.7, 1.95),
-                ("a store for each thread: read a document, walk", "stores", props, 2, 1.7, 1.95),
+                ("a store for each thread: read a document, walk", "stores", small, 2, 1.7, 1.95),
                 ("one store under its guard: find, read", "shared", props, 4, 0.7, 1.0)):
             one, several = on(task, 1, document), on(task, many, document)
             self.lines.append(Line(

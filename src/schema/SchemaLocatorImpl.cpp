@@ -5,7 +5,6 @@
 #include <utility>
 
 #include "model/Open.h"
-#include "norvane/platform/core/Compare.h"
 #include "norvane/platform/core/string/KeyHash.h"
 #include "records/FirstFailure.h"
 #include "schema/SchemaImpl.h"
@@ -29,16 +28,6 @@ constexpr auto kTable = static_cast<std::uint8_t>(Record::Kind::table);
 
 }  // namespace
 
-// As many bytes as the name has code units enter the hash, which is the first half of it. The names are told
-// apart by their text.
-std::size_t SchemaLocatorImpl::NameCompare::hash(const tWChar* name) {
-    return core::string::wideKeyHash(name, std::char_traits<tWChar>::length(name));
-}
-
-bool SchemaLocatorImpl::NameCompare::equal(const tWChar* left, const tWChar* right) {
-    return core::tWCharCompareEqual()(left, right);
-}
-
 // Of what stands at the address, not of the address: a registered store must be alive, because the map hashes
 // it again when it grows.
 std::size_t SchemaLocatorImpl::StoreCompare::hash(const IDataStore* store) {
@@ -48,7 +37,6 @@ std::size_t SchemaLocatorImpl::StoreCompare::hash(const IDataStore* store) {
 }
 
 SchemaLocatorImpl::~SchemaLocatorImpl() noexcept(false) {
-    layoutCache_.clear();
     FirstFailure failures;
     for (Layout* layout : owned_) failures.attempt([layout] { delete layout; });
     if (!unwinding_.isUnwinding()) failures.rethrow();
@@ -95,11 +83,6 @@ void SchemaLocatorImpl::clearStores() {
     roots_.forgetAll();
 }
 
-Layout* SchemaLocatorImpl::cached(const std::u16string& name) const {
-    decltype(layoutCache_)::const_accessor entry;
-    return layoutCache_.find(entry, name.c_str()) ? entry->second : nullptr;
-}
-
 TablePlace SchemaLocatorImpl::tableNamed(std::u16string_view name) {
     const std::size_t dot = name.find(u'.');
     const StoreList asked = stores();
@@ -116,9 +99,7 @@ TablePlace SchemaLocatorImpl::tableNamed(std::u16string_view name) {
 Layout* SchemaLocatorImpl::publish(Owned<Layout> layout) {
     const std::lock_guard lock(mutex_);
     if (owned_.size() == owned_.capacity()) owned_.reserve(owned_.size() * 2 + 8);
-    decltype(layoutCache_)::accessor entry;
-    layoutCache_.insert(entry, layout->name().c_str());
-    entry->second = layout.get();
+    layoutCache_.put(layout->name(), layout.get());
     owned_.push_back(layout.get());
     return layout.release();
 }
@@ -149,11 +130,12 @@ std::vector<SchemaLocatorImpl::Leaving> SchemaLocatorImpl::takeLayoutsOn(IDataSt
     return leaving;
 }
 
-// False if another layout of that name is cached, whose key may then be this one's text.
+// False if another layout of that name is cached.
 bool SchemaLocatorImpl::uncache(Layout* layout) {
-    decltype(layoutCache_)::accessor entry;
-    if (!layoutCache_.find(entry, layout->name().c_str())) return true;
-    return entry->second == layout && layoutCache_.erase(entry);
+    Layout* cached = layoutCache_.find(layout->name());
+    if (cached && cached != layout) return false;
+    layoutCache_.remove(layout->name());
+    return true;
 }
 
 }  // namespace norvane::platform::data::Schema

@@ -15,6 +15,7 @@
 #include "norvane/platform/data/metadata/ISchemaLocator.h"
 #include "records/FirstFailure.h"
 #include "schema/Layout.h"
+#include "schema/LayoutCache.h"
 #include "schema/RootLookup.h"
 
 namespace norvane::platform::data::Schema {
@@ -30,7 +31,7 @@ struct TablePlace {
 // Which store wins when several hold a table at one path is not defined: they are asked in the order of a
 // hash map.
 //
-// Threads. A name that is cached is answered from any thread without a mutex and without the store. A miss
+// Threads. A name that is cached is answered from any thread without a lock and without the store. A miss
 // reads records and opens the type's table, without the store's guard: that is the caller's to see to. Two
 // threads that miss one name both make its layout; the later one's is cached, and the earlier one's stays
 // alive beside it for the schemas that hold it. `mutex_` covers the set of stores and the ownership of the
@@ -49,27 +50,23 @@ class SchemaLocatorImpl final : public metadata::ISchemaLocator {
     void clearStores() override;
 
     // For the search of a type.
-    Layout* cached(const std::u16string& name) const;
+    Layout* cached(std::u16string_view name) const noexcept { return layoutCache_.find(name); }
     TablePlace tableNamed(std::u16string_view name);
     Layout* publish(Owned<Layout> layout);
 
   private:
-    struct NameCompare {
-        static std::size_t hash(const tWChar* name);
-        static bool equal(const tWChar* left, const tWChar* right);
-    };
     struct StoreCompare {
         static std::size_t hash(const IDataStore* store);
         static bool equal(const IDataStore* left, const IDataStore* right) { return left == right; }
     };
-    template <class Key, class Value, class Compare>
-    using Map = tbb::concurrent_hash_map<Key, Value, Compare,
-                                         tbb::cache_aligned_allocator<std::pair<const Key, Value>>>;
+    using StoreSet =
+        tbb::concurrent_hash_map<IDataStore*, bool, StoreCompare,
+                                 tbb::cache_aligned_allocator<std::pair<IDataStore* const, bool>>>;
 
     // A layout whose store goes.
     struct Leaving {
         Layout* layout;
-        bool isDeleted;  // else its name may still be the key of the one that replaced it
+        bool isDeleted;  // else another one has replaced it, and it stays for the schemas that hold it
     };
 
     using StoreList = std::shared_ptr<const std::vector<IDataStore*>>;
@@ -81,10 +78,8 @@ class SchemaLocatorImpl final : public metadata::ISchemaLocator {
 
     UnwindingCheck unwinding_;
     std::mutex mutex_;
-    // A key is the name inside of a layout that is still owned. The map hashes keys again whenever it grows,
-    // so an entry goes before its layout.
-    Map<const tWChar*, Layout*, NameCompare> layoutCache_;
-    Map<IDataStore*, bool, StoreCompare> storeSet_;
+    LayoutCache layoutCache_;
+    StoreSet storeSet_;
     StoreList storeList_ = listWithout(nullptr);  // what is in the set: going through it takes too long
     std::vector<Layout*> owned_;                  // cached ones, and those that another thread's has replaced
     RootLookup roots_;

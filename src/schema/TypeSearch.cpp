@@ -35,11 +35,12 @@ std::vector<Layout*> TypeSearch::locate(std::u16string_view names) {
 }
 
 void TypeSearch::answer(Request& request) {
-    const std::u16string name(request.pieces.next());
-    if (Layout* cached = locator_.cached(name)) {
+    const std::u16string_view piece = request.pieces.next();
+    if (Layout* cached = locator_.cached(piece)) {
         request.found.push_back(cached);
         return;
     }
+    const std::u16string name(piece);
     if (inTheMaking_.count(name) != 0) return;
     const TablePlace place = locator_.tableNamed(name);
     if (place.store) start(name, place);

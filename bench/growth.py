@@ -32,6 +32,7 @@ def curves(quick):
         ("add to a wide group", sized("add")),
         ("remove from a wide group", sized("remove")),
         ("clone props, an object", documents("change", "clone", "props", count=lambda size: 1)),
+        ("clone a wide group, an object", documents("change", "clone", "wide", count=lambda size: 1)),
         ("write props, a value", documents("access", "write", "props")),
         ("write a wide group, a child", documents("access", "write", "wide")),
     ]
@@ -75,7 +76,8 @@ def table(found):
     return lay_out(["Cost of a unit", *(f"{size:,}" for size in sizes), f"last over {sizes[1]:,}"], rows)
 
 
-COLOURS = ("#1b6ca8", "#c0392b", "#218c53", "#8e44ad", "#d68910", "#2c3e50", "#16a085", "#a04000", "#7f8c8d", "#e84393")
+COLOURS = ("#1b6ca8", "#c0392b", "#218c53", "#8e44ad", "#d68910", "#2c3e50", "#16a085", "#a04000", "#7f8c8d", "#e84393",
+           "#6b8e23")
 WIDTH, HEIGHT, LEFT, TOP, RIGHT, BOTTOM = 860, 420, 70, 20, 330, 50
 
 

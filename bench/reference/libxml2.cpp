@@ -39,10 +39,12 @@ void parse(const bench::Arguments& arguments, bench::Result& result) {
 
 using Tree = std::unique_ptr<xmlDoc, void (*)(xmlDocPtr)>;
 
-std::uint64_t countElements(const xmlNode* root) {
+// How many nodes of a tree are of some kind.
+template <class Test>
+std::uint64_t count(xmlNode* root, Test isCounted) {
     std::uint64_t count = 0;
-    for (const xmlNode* node = root; node;) {
-        if (node->type == XML_ELEMENT_NODE) ++count;
+    for (xmlNode* node = root; node;) {
+        if (isCounted(node)) ++count;
         if (node->children) {
             node = node->children;
             continue;
@@ -53,6 +55,11 @@ std::uint64_t countElements(const xmlNode* root) {
     }
     return count;
 }
+
+bool isElement(xmlNode* node) { return node->type == XML_ELEMENT_NODE; }
+
+// The elements of values are those without others inside.
+bool isValue(xmlNode* node) { return isElement(node) && !xmlFirstElementChild(node); }
 
 void load(const bench::Arguments& arguments, bench::Result& result) {
     const std::string document = bench::readFile(arguments.text("document"));
@@ -66,7 +73,7 @@ void load(const bench::Arguments& arguments, bench::Result& result) {
         };
     });
     bench::require(tree != nullptr, "not well-formed");
-    result.set("elements", countElements(xmlDocGetRootElement(tree.get())));
+    result.set("elements", count(xmlDocGetRootElement(tree.get()), isElement));
 }
 
 void memory(const bench::Arguments& arguments, bench::Result& result) {
@@ -74,7 +81,8 @@ void memory(const bench::Arguments& arguments, bench::Result& result) {
     const Tree tree(xmlReadFile(arguments.text("document").c_str(), nullptr, XML_PARSE_HUGE), xmlFreeDoc);
     bench::require(tree != nullptr, "not well-formed");
     result.set("bytes", bench::peakBytes() - before);
-    result.set("elements", countElements(xmlDocGetRootElement(tree.get())));
+    result.set("elements", count(xmlDocGetRootElement(tree.get()), isElement));
+    result.set("units", count(xmlDocGetRootElement(tree.get()), isValue));
 }
 
 }  // namespace

@@ -34,7 +34,9 @@ def check_components():
     expect(set().union(*parts.values()) == everything, "the components together are the whole")
     expect(sum(map(len, parts.values())) == len(everything), "no file is in two components")
     expect(all(name.endswith(".so") for name in parts["runtime"]), "runtime has libraries alone")
-    expect(parts["tools"] == {"bin/qvt"}, f"tools is the program: {parts['tools']}")
+    beside = {"share/man/man1/qvt.1", "share/bash-completion/completions/qvt", "share/zsh/site-functions/_qvt"}
+    expect(parts["tools"] == {"bin/qvt"} | beside,
+           f"tools is the program, its page and its completion: {parts['tools']}")
     headers = {str(path.relative_to(SOURCE)) for path in (SOURCE / "include").rglob("*")
                if path.suffix in (".h", ".hpp")}
     expect({name for name in parts["dev"] if name.startswith("include/")} == headers, "dev has every public header")

@@ -1,11 +1,16 @@
 import os
 import pty
+import re
+import shlex
+import shutil
 import subprocess
+import time
+import unittest
 
-from tool import QVT, ToolTest
+from tool import DOCUMENTS, QVT, SOURCE, ToolTest
 
 VERBS = ["import", "export", "tree", "show", "get", "set", "new", "rm", "mv", "cp", "merge", "stat", "schema", "units",
-         "conforms", "check", "repair", "compact", "dump"]
+         "conforms", "check", "repair", "compact", "dump", "find", "diff"]
 
 
 class WrongUsage(ToolTest):
@@ -29,7 +34,14 @@ class WrongUsage(ToolTest):
                 (["compact", "model.qvt", "-o", "x"], "-o"),
                 (["conforms", "model.xml", "g"], "CLASS is required"),
                 (["tree", "model.xml", "a", "b"], "the following argument was not expected: b"),
-                (["tree", "model.xml", "--nonsense"], "--nonsense"),
+                (["tree", "model.xml", "--nonsense"], "no option --nonsense (see qvt tree --help)"),
+                (["tree", "model.xml", "--vales"], "no option --vales; did you mean --values? (see qvt tree --help)"),
+                (["tree", "model.xml", "--vales=1"], "no option --vales; did you mean --values?"),
+                (["diff", "model.xml"], "B is required (see qvt diff --help)"),
+                (["diff", "model.xml", "model.xml", "a", "b", "c"], "the following argument was not expected: c"),
+                (["find", "model.xml", "--name"], "--name"),
+                (["find", "model.xml", "--class", "A;B"], "--class takes one class"),
+                (["dump", "model.xml", "x"], "x is no offset"),
                 (["tree", "model.xml", "-f", "yaml"], "yaml is none of text|json"),
                 (["tree", "model.xml", "--color", "red"], "red is none of auto|always|never"),
                 (["tree", "model.xml", "-d", "x"], "x is no number of levels"),
@@ -43,6 +55,71 @@ class WrongUsage(ToolTest):
                 self.assertEqual(result.err.count("\n"), 1, result.err)
                 self.assertIn("qvt: error: ", result.err)
                 self.assertIn(words, result.err)
+
+
+class Suggestions(ToolTest):
+    """What is asked where something near was meant, and where nothing is near."""
+
+    def setUp(self):
+        super().setUp()
+        self.document('<root name="plant"><table name="Types"><table name="Pump"><double name="power">1</double></table></table>'
+                      '<group name="hall"><node name="pump_one" class="Types.Pump"/><node name="ümläut"/></group></root>')
+
+    def said(self, *arguments):
+        result = self.run_tool(*arguments)
+        self.assertEqual((result.out, result.err.count("\n")), ("", 1), result.err)
+        return result.err
+
+    def test_AreVerbs(self):
+        for typed, meant in (("tre", "tree"), ("SHOW", "show"), ("shwo", "show"), ("exprot", "export"), ("hlep", "help"),
+                             ("conform", "conforms")):
+            self.assertIn(f"no verb {typed}; did you mean {meant}?", self.said(typed))
+        self.assertIn("no verb shwo; did you mean show?", self.said("help", "shwo"))
+
+    def test_AreNotMadeOfWhatIsFarOff(self):
+        for typed in ("frobnicate", "x", "te", "delete", "-"):
+            self.assertNotIn("did you mean", self.said(typed))
+        for path in ("hall.valve", "hal.x.y.z", "h", "hall.pump_one.weight", "nothing"):
+            self.assertNotRegex(self.said("show", "model.xml", path), r"did you mean (?!hall\?)")
+
+    def test_ArePathsWithTheNearestNameWhereTheyFail(self):
+        for typed, words in (
+                ("hal.pump_one.power", "nothing at hal.pump_one.power; did you mean hall.pump_one.power?"),
+                ("hall.pump_oen.power", "though there is hall; did you mean hall.pump_one.power?"),
+                ("hall.pump-one", "though there is hall; did you mean hall.pump_one?"),
+                ("hall.Pump_One", "though there is hall; did you mean hall.pump_one?"),
+                ("hall.pump_noe.none", "though there is hall; did you mean hall.pump_one?"),
+                ("hall.umläut", "though there is hall; did you mean hall.ümläut?"),
+                ("plant.hall.pump_one", "nothing at plant.hall.pump_one; did you mean hall.pump_one?")):
+            self.assertTrue(self.said("show", "model.xml", typed).endswith(words + "\n"), typed)
+
+    def test_AreClasses(self):
+        for typed, meant in (("Types.Pmup", "Types.Pump"), ("Type.Pump", "Types.Pump")):
+            self.assertIn(f"did you mean {meant}?", self.said("schema", "model.xml", typed))
+            self.assertIn(f"did you mean {meant}?", self.said("conforms", "model.xml", "hall", typed))
+        self.assertNotIn("did you mean", self.said("schema", "model.xml", "hal"))
+        self.document('<root name="r"/>', "empty.xml")
+        self.assertIn("did you mean Types.Pump?", self.said("schema", "empty.xml", "Types.Pumps", "--schemas", "model.xml"))
+
+    def test_AreUnitsAndTypes(self):
+        self.done("import", "model.xml", "model.qvt")
+        self.assertIn("no unit Kilowat; did you mean Kilowatt?",
+                      self.said("new", "model.qvt", "hall.x", "double", "--unit", "Kilowat"))
+        self.assertIn("did you mean double?", self.said("new", "model.qvt", "hall.x", "duoble"))
+        self.assertIn("did you mean group?", self.said("new", "model.qvt", "hall.x", "gruop"))
+        self.assertIn("did you mean Velocity?", self.said("units", "Velicoty"))
+        self.assertNotIn("did you mean", self.said("units", "Parsnip"))
+
+    def test_InAWideGroupTakeNoTime(self):
+        rows = "".join(f'<node name="the_name_{i}"/>' for i in range(50000))
+        self.document(f'<root name="r"><group name="g">{rows}</group></root>')
+        self.done("import", "model.xml", "wide.qvt")
+        begin = time.monotonic()
+        self.assertIn("did you mean g.the_name_", self.said("show", "wide.qvt", "g.teh_name_7"))
+        asked = time.monotonic() - begin
+        begin = time.monotonic()
+        self.done("show", "wide.qvt", "g")
+        self.assertLess(asked, 5 * (time.monotonic() - begin) + 2)
 
 
 class Help(ToolTest):
@@ -68,6 +145,31 @@ class Help(ToolTest):
             if isinstance(value, int) and key not in ("version", "nodes", "groups", "links", "primitives", "bytes"):
                 self.assertRegex(text, rf"(?m)^  [a-zA-Z, ]*{key}", key)
 
+    def test_HasExamplesThatWorkForEachVerb(self):
+        for name in ("pump.xml", "pump.lib.xml"):
+            shutil.copy(DOCUMENTS / name, self.folder)
+        self.document('<group name="hall"><node name="more"/></group>', "more.xml")
+        self.done("import", "pump.lib.xml", "pump.xml", "begin.qvt")
+        self.done("import", "pump.lib.xml", "other-begin.qvt")
+        self.done("export", "begin.qvt", "-o", "plant.xml")
+        for verb in VERBS:
+            examples = re.findall(r"(?m)^  (qvt .*)$", self.done("help", verb).out.split("\nExamples:\n")[1])
+            self.assertIn(len(examples), (1, 2, 3), verb)
+            for example in examples:
+                with self.subTest(example):
+                    shutil.copy(self.folder / "begin.qvt", self.folder / "plant.qvt")
+                    shutil.copy(self.folder / "begin.qvt", self.folder / "old.qvt")
+                    shutil.copy(self.folder / "other-begin.qvt", self.folder / "other.qvt")
+                    if example.startswith("qvt import pump.lib.xml"):
+                        (self.folder / "plant.qvt").unlink()
+                    if verb == "diff":
+                        self.done("cp", "plant.qvt", "hall.p1", "hall.p3")
+                        self.done("set", "plant.qvt", "hall.p1.power", "8")
+                    self.assertEqual(example.split()[1], verb)
+                    result = self.run_tool(*shlex.split(example)[1:])
+                    self.assertEqual((result.status, result.err), (1 if verb == "diff" else 0, ""))
+                    (self.folder / "sound.qvt").unlink(missing_ok=True)
+
     def test_OfHelpIsPrintedOnce(self):
         self.assertEqual(self.done("help", "--help").out.count("Usage: qvt help"), 1)
 
@@ -75,12 +177,47 @@ class Help(ToolTest):
         self.assertRegex(self.done("--version").out, r"^qvt \d+\.\d+\.\d+\n$")
 
 
+class Manual(ToolTest):
+    PAGE = SOURCE / "docs" / "qvt.1"
+
+    def test_IsThePageThatTheToolPrints(self):
+        self.assertEqual(self.PAGE.read_text(), self.done("__manual").out, "qvt __manual > docs/qvt.1 makes it anew")
+
+    def words(self, text):
+        return " ".join(text.split())
+
+    def test_HasEveryVerbOptionAndExampleOfTheHelpAndNoOther(self):
+        page = self.PAGE.read_text().replace("\\-", "-").replace("\\e", "\\")
+        verbs = re.findall(r'(?m)^\.SS "(\w+)', page)
+        self.assertEqual(sorted(verbs), sorted([*VERBS, "help"]))
+        for verb, part in zip(verbs, re.split(r'(?m)^\.SS ', page)[1:]):
+            text = self.done("help", verb).out
+            options = re.findall(r"(?m)^  (?:-\w,)?(--[\w-]+)", text.split("\nExamples:")[0].split("\n\n\n")[0])
+            for option in set(options) - {"--help"}:
+                self.assertIn(option, part, verb)
+            for option in set(re.findall(r"(?m)^\.B (?:-\w, )?(--[\w-]+)", part.split("\n.SH ")[0])):
+                self.assertIn(option, text, verb)
+            for example in re.findall(r"(?m)^  (qvt .*)$", text):
+                self.assertIn(example, part)
+            for status in ("70 a fault", "NO_COLOR", "LC_ALL"):
+                self.assertIn(status, page)
+
+    @unittest.skipUnless(shutil.which("groff"), "there is no groff")
+    def test_IsFormattedWithoutAWarning(self):
+        run = subprocess.run(["groff", "-ww", "-man", "-Tutf8", "-P-c", self.PAGE], stdout=subprocess.PIPE, stderr=subprocess.PIPE)
+        self.assertEqual((run.returncode, run.stderr), (0, b""))
+        text = self.words(run.stdout.decode())
+        self.assertIn("--keep-going", text)
+        self.assertIn("qvt find plant.qvt hall --name 'p*' --type node", text)
+
+
 class Progress(ToolTest):
     """Standard error is a terminal here; reading takes long only where the document is large."""
 
-    def messages(self, *arguments):
+    def messages(self, *arguments, terminal="xterm"):
         master, slave = pty.openpty()
-        run = subprocess.Popen([QVT, *arguments], stdout=subprocess.DEVNULL, stderr=slave, cwd=self.folder)
+        run = subprocess.Popen([QVT, *arguments], stdout=subprocess.DEVNULL, stderr=slave, cwd=self.folder,
+                               env={**os.environ, "TERM": terminal})
         os.close(slave)
         out = b""
         try:
@@ -108,3 +245,13 @@ class Progress(ToolTest):
         self.assertRegex(said, r"\rreading model\.xml \[[#.]{40}\] +\d+%")
         self.assertTrue(said.endswith("\r\x1b[K"), repr(said[-80:]))
         self.assertEqual(self.messages("tree", "model.xml", "-d", "0", "-q"), "")
+        self.assertEqual(self.messages("tree", "model.xml", "-d", "0", terminal="dumb"), "")
+        said = self.messages("import", "model.xml", "model.qvt")
+        self.assertRegex(said, r"\rsaving model\.qvt \[\.{40}\]   0%")
+        self.assertTrue(said.endswith("\r\x1b[K"), repr(said[-80:]))
+        said = self.messages("export", "model.qvt", "-o", "out.xml")
+        self.assertRegex(said, r"\rwriting out\.xml \[#[#.]{39}\] +\d+%")
+        self.assertTrue(said.endswith("\r\x1b[K"), repr(said[-80:]))
+        result = self.run_tool("export", "model.qvt", "-o", "quiet.xml")
+        self.assertEqual(result.err, "")
+        self.assertEqual((self.folder / "quiet.xml").read_bytes(), (self.folder / "out.xml").read_bytes())

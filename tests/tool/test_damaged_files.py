@@ -100,7 +100,7 @@ class DamagedFiles(ToolTest):
         for options in ([], ["--salvage", "--recover", "recovered"]):
             run = self.run_tool("repair", "bad.qvt", "good.qvt", *options)
             if (self.folder / "good.qvt").exists():
-                self.assertEqual(run.status, 0, run.err)
+                self.assertIn(run.status, (0, 1), run.err)
                 check = self.run_tool("check", "good.qvt")
                 self.assertEqual(check.status, 0, check.out)
                 (self.folder / "good.qvt").unlink()

@@ -38,6 +38,14 @@ class Dump(ToolTest):
         result = self.run_tool("dump", "model.xml", "99")
         self.assertEqual((result.status, result.out, result.err), (3, "", "model.xml: error: no record at offset 99\n"))
 
+    def test_InJsonHasTheSameRecords(self):
+        self.document(MODEL)
+        rows = [line.split() for line in self.done("dump", "model.xml", "--all").lines]
+        records = self.done("dump", "model.xml", "--all", "-f", "json").json["records"]
+        self.assertEqual([[str(each["offset"]), str(each["bytes"]), each["data"]] for each in records], rows)
+        self.assertEqual([each["kind"] for each in records], ["root", "container", "offsets", "primitive", "offsets"])
+        self.assertEqual(self.done("dump", "model.xml", "0x3", "-f", "json").json["records"], [records[3]])
+
     def test_TakesANumberOrAllAndNotBoth(self):
         self.document(MODEL)
         for arguments in ([], ["0", "--all"], ["x"], ["0x"], ["-1"], ["4294967296"]):

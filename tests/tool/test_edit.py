@@ -145,7 +145,7 @@ class Set(EditTest):
         self.assertEqual((self.show("g.own.i")["unit"], self.get("g.own.i")), ("Kilogram", "1"))
         self.edit("set", "g.w", "5", "--unit", "Meter")
         self.refuse(6, "model.qvt: error: g.w came from a class with its unit, Meter", "set", "g.w", "5", "--unit", "Inch")
-        self.refuse(2, "qvt: error: no unit Inches (qvt units lists them)", "set", "g.d", "--unit", "Inches")
+        self.refuse(2, "qvt: error: no unit Inches; did you mean Inch? (qvt units lists them)", "set", "g.d", "--unit", "Inches")
 
     def test_OfWhatHasNoValueIsRefused(self):
         self.refuse(6, "model.qvt: error: g has no value that could be set", "set", "g", "1")
@@ -154,7 +154,7 @@ class Set(EditTest):
         self.refuse(6, "model.qvt: error: g.l has no value that could be set", "set", "g.l", "--uri", "x")
 
     def test_OfNothingIsMissing(self):
-        self.refuse(3, "model.qvt: error: nothing at g.none, though there is g", "set", "g.none", "1")
+        self.refuse(3, "model.qvt: error: nothing at g.none, though there is g; did you mean g.note?", "set", "g.none", "1")
 
     def test_TakesSomething(self):
         self.refuse(2, "qvt: error: set takes a VALUE, --uri, --unit or --name", "set", "g.d")
@@ -209,8 +209,8 @@ class New(EditTest):
         layout = self.done("schema", "model.qvt", "h.Gap", "-f", "json").json
         self.edit("new", "h.s", "struct", "5", "6", "--class", "h.Gap")
         shown = self.show("h.s")
-        self.assertEqual((shown["bytes"], shown["value"][0]["a"], shown["value"][0]["b"]), (layout["byteSize"], 5, 6))
-        self.assertGreater(layout["byteSize"], 2)
+        self.assertEqual((shown["bytes"], shown["value"][0]["a"], shown["value"][0]["b"]), (layout["bytes"], 5, 6))
+        self.assertGreater(layout["bytes"], 2)
 
     def test_FindsClassesInTheStoresOfSchemas(self):
         self.document('<root name="t"><table name="Far"><double name="a">1</double></table></root>', "types.xml")
@@ -260,7 +260,7 @@ class Remove(EditTest):
         self.assertEqual(self.children(""), ["Box", "Pair", "h"])
 
     def test_TakesAllOrNothing(self):
-        self.refuse(3, "model.qvt: error: nothing at g.none, though there is g", "rm", "g.n", "g.none")
+        self.refuse(3, "model.qvt: error: nothing at g.none, though there is g; did you mean g.note?", "rm", "g.n", "g.none")
         self.refuse(6, "model.qvt: error: g.w came from a class and cannot be removed", "rm", "g.n", "g.w")
         self.assertEqual(self.show("g.n")["kind"], "node")
 

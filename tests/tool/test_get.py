@@ -56,8 +56,11 @@ class Get(ToolTest):
 
     def test_InJson(self):
         self.document('<group name="g"><int8 name="x">1 2</int8><link name="l" to="a"/></group>')
-        self.assertEqual(self.done("get", "model.xml", "g.x", "-f", "json").json, {"path": "g.x", "value": [1, 2]})
-        self.assertEqual(self.done("get", "model.xml", "g.l", "-f", "json").json, {"path": "g.l", "value": "a"})
+        self.assertEqual(self.done("get", "model.xml", "g.x", "-f", "json").json, {
+            "path": "g.x", "kind": "primitive", "name": "x", "class": None, "type": "int8", "unit": None,
+            "inherited": False, "overridden": False, "locale": None, "uri": None, "count": 2, "value": [1, 2]})
+        link = self.done("get", "model.xml", "g.l", "-f", "json").json
+        self.assertEqual((link["path"], link["target"], link["value"]), ("g.l", "a", None))
 
     def test_OfAContainerOrTableIsRefused(self):
         self.document('<root name="r"><table name="t"/><group name="g"/></root>')
@@ -71,3 +74,16 @@ class Get(ToolTest):
         result = self.run_tool("get", "model.xml", "g.x")
         self.assertEqual((result.status, result.out, result.err),
                          (1, "", "model.xml: error: the value of g.x lies elsewhere: http://x/y\n"))
+
+    def test_OfAStructWhoseClassIsNotKnownSaysThatItIsBase64(self):
+        self.document('<root name="r"><table name="P"><double name="a">1</double></table></root>', "types.xml")
+        self.document('<root name="r"><group name="g"><struct name="s" type="P">1.5</struct></group></root>')
+        self.done("import", "model.xml", "model.qvt", "--schemas", "types.xml")
+        words = ("model.qvt: warning: class P is not known, the struct is printed as Base64 "
+                 "(--schemas STORE says where to look)\n")
+        for verb in ("get", "show"):
+            result = self.run_tool(verb, "model.qvt", "g.s")
+            self.assertEqual((result.status, result.err), (0, words))
+            self.assertIn("AAAAAAAA+D8=", result.out)
+            self.assertEqual(self.done(verb, "model.qvt", "g.s", "-q").out, result.out)
+        self.assertEqual(self.done("get", "model.qvt", "g.s", "--schemas", "types.xml").out, "1.5\n")

@@ -73,7 +73,8 @@ class Damaged(IntegrityTest):
         self.damage()
         result = self.run_tool("export", "bad.qvt")
         self.assertEqual((result.status, result.out), (4, ""))
-        self.assertRegex(result.err, r"\Abad\.qvt: error: record \d+: .+\n\Z")
+        self.assertRegex(result.err, r"\Abad\.qvt: error: record \d+: .+ \(qvt check STORE lists what is damaged, "
+                                     r"qvt repair STORE NEW saves the rest\)\n\Z")
 
     def test_AnEditThatMeetsItChangesNothing(self):
         self.damage()
@@ -107,10 +108,16 @@ class Damaged(IntegrityTest):
 
 
 class Repair(IntegrityTest):
+    def mended(self, *arguments):
+        """Runs a repair that finds something to mend, and says so by its status."""
+        result = self.run_tool(*arguments)
+        self.assertEqual((result.status, result.err), (1, ""))
+        return result
+
     def test_KeepsAllThatIsSoundAndItsResultPassesTheCheck(self):
         self.damage()
         before = (self.folder / "bad.qvt").read_bytes()
-        result = self.done("repair", "bad.qvt", "good.qvt")
+        result = self.mended("repair", "bad.qvt", "good.qvt")
         self.assertRegex(result.lines[0], r"^bad\.qvt: error: record \d+: ")
         self.assertRegex(result.lines[-1], r"^good\.qvt: \d+ records, \d+ repairs?$")
         self.done("check", "good.qvt")
@@ -140,7 +147,7 @@ class Repair(IntegrityTest):
     def test_KeepsTheBeginningOfAFileThatIsCutOff(self):
         data = self.wide()
         (self.folder / "bad.qvt").write_bytes(data[:len(data) // 2])
-        self.done("repair", "bad.qvt", "good.qvt")
+        self.mended("repair", "bad.qvt", "good.qvt")
         self.assertGreater(self.records("good.qvt"), 500)
 
     def test_SalvagesAFileOfWhoseOrderNothingIsLeft(self):
@@ -149,7 +156,7 @@ class Repair(IntegrityTest):
         result = self.run_tool("repair", "bad.qvt", "good.qvt")
         self.assertEqual((result.status, result.out), (4, ""))
         self.assertFalse((self.folder / "good.qvt").exists())
-        self.done("repair", "bad.qvt", "good.qvt", "--salvage")
+        self.mended("repair", "bad.qvt", "good.qvt", "--salvage")
         self.assertGreater(self.records("good.qvt"), 1900)
 
     def test_PutsWhatNothingLeadsToBelowAGroup(self):
@@ -157,7 +164,7 @@ class Repair(IntegrityTest):
         for group in list(re.finditer(rb"\x04\0{8}", data)):  # containers below record 0
             data[group.start()] ^= 1
         (self.folder / "bad.qvt").write_bytes(data)
-        self.done("repair", "bad.qvt", "good.qvt", "--recover", "recovered")
+        self.mended("repair", "bad.qvt", "good.qvt", "--recover", "recovered")
         self.done("check", "good.qvt", "-q")
         self.assertIn("recovered: group", self.done("tree", "good.qvt").out)
 
@@ -170,7 +177,8 @@ class Repair(IntegrityTest):
 
     def test_AnswersInJson(self):
         self.damage()
-        answer = self.done("repair", "bad.qvt", "good.qvt", "-f", "json").json
+        answer = self.mended("repair", "bad.qvt", "good.qvt", "-f", "json").json
+        self.assertEqual((answer["store"], answer["out"], answer["sound"]), ("bad.qvt", "good.qvt", False))
         self.assertIn("error", [each["severity"] for each in answer["findings"]])
 
 

@@ -16,7 +16,7 @@ class Output(ToolTest):
         self.document('<root name="r"><table name="T"><int8 name="i">1</int8></table><group name="g" class="T"/></root>')
         for verb in (["export", "model.xml"], ["tree", "model.xml"], ["show", "model.xml"], ["get", "model.xml", "g.i"],
                      ["stat", "model.xml"], ["schema", "model.xml", "T"], ["units"], ["conforms", "model.xml", "g", "T"],
-                     ["dump", "model.xml", "0"]):
+                     ["dump", "model.xml", "0"], ["find", "model.xml"]):
             with self.subTest(verb[0]):
                 said = self.done(*verb).out
                 self.done(*verb, "-o", "out.txt")

@@ -276,3 +276,31 @@ class Classes(ToolTest):
     def test_ThatAreNotFoundAreToldEvenWhenQuietAsTheDocumentThatIsWrittenLacksThem(self):
         self.assertIn("class T.Box is not known", self.lacking(["T.Box"], "-q"))
         self.assertEqual(self.run_tool("export", "model.xml", "-q").status, 1)
+
+
+class Units(ToolTest):
+    def warned(self, text, *options):
+        self.document(text)
+        result = self.run_tool("tree", "model.xml", *options)
+        self.assertEqual(result.status, 0)
+        return result.err
+
+    def test_ThatAreNoneAreWarnedOfOnceWithThePlaceOfTheFirst(self):
+        self.assertEqual(self.warned('<group name="g">\n<double name="a" units="Metre">1</double></group>'),
+                         "model.xml:2:1: warning: unit Metre is not known and was left out; did you mean Meter?\n")
+        self.assertEqual(self.warned('<group name="g"><double name="a" units="Metre">1</double><double name="b" units="Metre"/>'
+                                     "<double name='c' units = 'Wat'/></group>"),
+                         "model.xml:1:17: warning: unit Metre and 1 other are not known and were left out; did you mean "
+                         "Meter?\n")
+
+    def test_AreNotWarnedOfWhenQuiet(self):
+        self.assertEqual(self.warned('<group name="g"><double name="a" units="Metre">1</double></group>', "-q"), "")
+
+    def test_InCommentsAndTextsAreNone(self):
+        self.assertEqual(self.warned('<group name="g"><!-- units="Metre" --><string name="s">units="x" units=</string>'
+                                     '<double name="a" units="Meter">1</double><double name="b" units=""/></group>'), "")
+
+    def test_OfEveryNameThatThereIsAreKnown(self):
+        rows = "".join(f'<double name="d{i}" units="{row["unit"]}"/>'
+                       for i, row in enumerate(self.done("units", "-f", "json").json["units"]))
+        self.assertEqual(self.warned(f'<group name="g">{rows}</group>'), "")

@@ -20,7 +20,7 @@ tag    int8     1      24      1
     def test_FlattensStructsWithinIt(self):
         self.document(TYPES)
         schema = self.done("schema", "model.xml", "T.Line", "-f", "json").json
-        self.assertEqual((schema["class"], schema["byteSize"]), ("T.Line", 2 * 25 + 4 + 4))
+        self.assertEqual((schema["class"], schema["bytes"]), ("T.Line", 2 * 25 + 4 + 4))
         self.assertEqual([(f["field"], f["type"], f["count"], f["offset"], f["size"]) for f in schema["fields"]], [
             ("ends[0].at", "vector3", 3, 0, 24), ("ends[0].tag", "int8", 1, 24, 1),
             ("ends[1].at", "vector3", 3, 25, 24), ("ends[1].tag", "int8", 1, 49, 1),

@@ -79,6 +79,27 @@ r: root, version 3
                          ["r: root, version 0", "└── a.b: group", "    └── c: group"])
 
 
+class Locales(ToolTest):
+    def lines(self, **environment):
+        self.document('<root name="r"><group name="g"><string name="s">' + "x" * 100 + '</string><group name="ä"/></group>'
+                      '<group name="h"/></root>')
+        env = {key: value for key, value in os.environ.items() if key not in ("LC_ALL", "LC_CTYPE", "LANG")}
+        run = subprocess.run([QVT, "tree", "model.xml", "--values"], stdout=subprocess.PIPE, cwd=self.folder,
+                             env={**env, **environment}, check=True)
+        return run.stdout.decode().splitlines()
+
+    def test_ThatAreNotOfUtf8GetAscii(self):
+        ascii_lines = ["r: root, version 0", "|-- g: group", '|   |-- s: string = "' + "x" * 60 + '..."', "|   `-- ä: group",
+                       "`-- h: group"]
+        for locale in ({"LC_ALL": "C"}, {"LC_CTYPE": "POSIX", "LANG": "C.UTF-8"}, {"LANG": "de_DE.ISO-8859-1"}):
+            self.assertEqual(self.lines(**locale), ascii_lines, locale)
+
+    def test_OfUtf8GetLines(self):
+        for locale in ({}, {"LC_ALL": "C.UTF-8", "LANG": "C"}, {"LANG": "nl_NL.utf8"}, {"LC_ALL": "", "LANG": "en_US.UTF-8"}):
+            lines = self.lines(**locale)
+            self.assertEqual((lines[1], lines[2][-2:]), ("├── g: group", '…"'), locale)
+
+
 class Json(ToolTest):
     def test_IsOneObjectWithNestedChildren(self):
         self.document(MODEL)
@@ -94,7 +115,7 @@ class Json(ToolTest):
     def test_HasValuesOnlyWhenAsked(self):
         self.document(MODEL)
         plain = self.done("tree", "model.xml", "g.w", "-f", "json").json
-        self.assertEqual(plain, {"kind": "primitive", "name": "w", "class": None, "type": "double", "unit": "Meter",
+        self.assertEqual(plain, {"path": "g.w", "kind": "primitive", "name": "w", "class": None, "type": "double", "unit": "Meter",
                                  "inherited": False, "overridden": True})
         valued = self.done("tree", "model.xml", "g.w", "-f", "json", "--values").json
         self.assertEqual(valued["value"], [3])

@@ -1,10 +1,25 @@
 #include "Classes.h"
 
 #include <algorithm>
+#include <optional>
+#include <utility>
 
+#include "Nearest.h"
 #include "Options.h"
+#include "Tree.h"
 
 namespace qvt {
+
+namespace {
+
+// The class text of the table at a path of a store, or nothing: a class is a table, and its name the table's
+// path.
+std::optional<std::string> classOfTable(const Tree& tree, const std::string& name) {
+    const Object found = tree.find(name);
+    return found.table() ? std::optional<std::string>(qvt::classOf(found)) : std::nullopt;
+}
+
+}  // namespace
 
 std::vector<std::string> namesIn(const std::string& classText) {
     std::vector<std::string> names;
@@ -16,12 +31,64 @@ std::vector<std::string> namesIn(const std::string& classText) {
     return names;
 }
 
-SharedPtr<ISchema> classNamed(const std::string& classText, ISchemaLocator* locator,
-                              const std::string& file) {
+Failure unknownClass(const std::string& name, const ClassPlaces& places) {
+    std::string meant;
+    for (IDataStore* store : places.stores) {
+        const Tree tree(*store, places.file);
+        const std::string path = meant.empty() ? tree.meant(name) : std::string();
+        if (!path.empty() && classOfTable(tree, path)) meant = path;
+    }
+    return {kMissing, places.file + ": error: no class " + name + ", nor in the stores of --schemas" +
+                          Nearest::asQuestion(meant)};
+}
+
+SharedPtr<ISchema> classNamed(const std::string& classText, const ClassPlaces& places) {
     for (const std::string& name : namesIn(classText))
-        if (!locator->locate(wide(name)))
-            throw Failure(kMissing, file + ": error: no class " + name + ", nor in the stores of --schemas");
-    return locator->locate(wide(classText));
+        if (!places.locator->locate(wide(name))) throw unknownClass(name, places);
+    return places.locator->locate(wide(classText));
+}
+
+ClassFamily::ClassFamily(std::string ancestor, const ClassPlaces& places)
+    : ancestor_(std::move(ancestor)), stores_(places.stores) {
+    isOf_[ancestor_] = true;
+}
+
+bool ClassFamily::has(const std::string& classText) {
+    if (classText.empty()) return false;
+    const std::vector<std::string> names = namesIn(classText);
+    return std::any_of(names.begin(), names.end(), [this](const auto& name) { return comesDown(name); });
+}
+
+bool ClassFamily::isKnown() const { return classOf(ancestor_).has_value(); }
+
+bool ClassFamily::comesDown(const std::string& name) {
+    const auto known = isOf_.find(name);
+    return known != isOf_.end() ? known->second : settle(name);
+}
+
+// All that a class comes down from, once for each class; a chain of any length, and a ring, take no stack.
+bool ClassFamily::settle(const std::string& name) {
+    std::map<std::string, std::string> cameFrom{{name, ""}};
+    std::vector<std::string> open{name};
+    while (!open.empty()) {
+        const std::string each = std::move(open.back());
+        open.pop_back();
+        if (const auto known = isOf_.find(each); known != isOf_.end() && known->second) {
+            for (std::string up = each; !up.empty(); up = cameFrom[up]) isOf_[up] = true;
+            return true;
+        }
+        if (isOf_.count(each) != 0) continue;
+        for (const std::string& above : namesIn(classOf(each).value_or("")))
+            if (!above.empty() && cameFrom.emplace(above, each).second) open.push_back(above);
+    }
+    for (const auto& [each, from] : cameFrom) isOf_[each] = false;
+    return false;
+}
+
+std::optional<std::string> ClassFamily::classOf(const std::string& name) const {
+    for (IDataStore* store : stores_)
+        if (auto classText = classOfTable(Tree(*store, ""), name)) return classText;
+    return {};
 }
 
 }  // namespace qvt

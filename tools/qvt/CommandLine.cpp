@@ -1,163 +1,35 @@
 #include "CommandLine.h"
 
-#include <CLI/CLI.hpp>
-#include <algorithm>
 #include <cctype>
-#include <utility>
-#include <vector>
+#include <string_view>
 
+#include "Completion.h"
+#include "Grammar.h"
+#include "Manual.h"
 #include "Messages.h"
+#include "Nearest.h"
 #include "Output.h"
 
 namespace qvt {
 
 namespace {
 
-const Verb* const kVerbs[] = {&kImport,   &kExport, &kTree,   &kShow,    &kGet,  &kSet,    &kNew,
-                              &kRm,       &kMv,     &kCp,     &kMerge,   &kStat, &kSchema, &kUnits,
-                              &kConforms, &kCheck,  &kRepair, &kCompact, &kDump};
-
-constexpr const char* kFooter =
-    "STORE is a file store (model.qvt), a document (model.xml), or - for a document on standard input. "
-    "Verbs\n"
-    "that change something take file stores only. PATH is a dotted path without the root's name; no PATH\n"
-    "means the root.\n"
-    "\n"
-    "Exit status: 0 done, or yes; 1 no, or a document had reports (its elements that were skipped);\n"
-    "2 wrong usage; 3 the input is missing, unreadable or not well-formed, or nothing is at PATH; 4 the\n"
-    "store is damaged; 5 another writer has the store; 6 an edit was refused; 7 the output or the store\n"
-    "cannot be written; 70 a fault of the program.\n"
-    "\n"
-    "qvt VERB --help tells more.";
-
-template <class T>
-using Words = std::vector<std::pair<std::string, T>>;
-
-const Words<Format> kFormats{{"text", Format::text}, {"json", Format::json}};
-const Words<Color> kColors{{"auto", Color::automatic}, {"always", Color::always}, {"never", Color::never}};
-
-// An option whose value is one of a few words, the first of which holds when it is left out.
-template <class T>
-void addWords(CLI::App& app, const char* names, const Words<T>& words, T& value, const char* description) {
-    std::string all;
-    for (const auto& [word, meaning] : words) all += (all.empty() ? "" : "|") + word;
-    const auto indexOf = [&words](const std::string& text) {
-        return static_cast<std::size_t>(
-            std::find_if(words.begin(), words.end(), [&](const auto& each) { return each.first == text; }) -
-            words.begin());
-    };
-    app.add_option_function<std::string>(
-           names, [&value, &words, indexOf](const std::string& text) { value = words[indexOf(text)].second; },
-           description)
-        ->type_name(all)
-        ->check([&words, all, indexOf](const std::string& text) {
-            return indexOf(text) < words.size() ? std::string() : text + " is none of " + all;
-        });
-}
-
-std::string mustBeCount(const std::string& text) {
-    const bool isNumber =
-        !text.empty() && text.size() < 10 && text.find_first_not_of("0123456789") == std::string::npos;
-    return isNumber ? std::string() : text + " is no number of levels";
-}
-
-void addText(CLI::App& app, const char* name, std::string& value, const char* description) {
-    app.add_option(name, value, description)->required();
-}
-
-void addStores(CLI::App& app, const Verb& verb, Options& options) {
-    if (verb.has(Verb::kStore)) addText(app, "STORE", options.store, "file store, document, or -");
-    if (verb.has(Verb::kFile)) addText(app, "STORE", options.store, "file store (*.qvt)");
-    if (verb.has(Verb::kDocuments))
-        app.add_option("DOC", options.words, "documents, or - for one, and last the file store (*.qvt)")
-            ->type_name("")
-            ->required();
-    if (!verb.has(Verb::kRepairOptions)) return;
-    addText(app, "IN", options.store, "file store (*.qvt), which stays as it is");
-    addText(app, "OUT", options.target, "file store (*.qvt) to make");
-}
-
-void addPlaces(CLI::App& app, const Verb& verb, Options& options) {
-    if (verb.has(Verb::kPath)) addText(app, "PATH", options.path, "dotted path");
-    if (verb.has(Verb::kOptionalPath))
-        app.add_option("PATH", options.path, "dotted path; the root if left out");
-    if (verb.has(Verb::kPaths)) app.add_option("PATH", options.words, "dotted paths")->required();
-    if (verb.has(Verb::kNewPath)) addText(app, "NEWPATH", options.target, "dotted path");
-    if (verb.has(Verb::kSource)) {
-        addText(app, "SOURCE", options.target, "file store, document, or -");
-        app.add_option("SPATH", options.sourcePath, "dotted path in SOURCE; the root if left out");
-    }
-    if (verb.has(Verb::kType)) addText(app, "KIND|TYPE", options.type, "what to make");
-    if (verb.has(Verb::kClass)) addText(app, "CLASS", options.className, "class");
-    if (verb.has(Verb::kOptionalName))
-        app.add_option("NAME", options.name, "unit or dimension; all if left out");
-    if (verb.has(Verb::kValues)) app.add_option("VALUE", options.words, "the value, or its parts");
-    if (verb.has(Verb::kRecordOptions))
-        app.add_option("OFFSET", options.offset, "a record's offset, as 12 or 0xc");
-}
-
-void addName(CLI::App& app, const char* option, std::string& value, const char* description,
-             const char* type) {
-    app.add_option(option, value, description)->type_name(type);
-}
-
-void addReading(CLI::App& app, const Verb& verb, Options& options) {
-    if (verb.has(Verb::kSchemas))
-        app.add_option("--schemas", options.schemas,
-                       "store or document to look up classes in, besides STORE; may be repeated")
-            ->type_name("STORE")
-            ->allow_extra_args(false);
-    if (verb.has(Verb::kTreeOptions)) {
-        app.add_option("-d,--depth", options.depth, "how many levels below the object")
-            ->type_name("DEPTH")
-            ->check(mustBeCount);
-        app.add_flag("--values", options.values, "with values and units");
-    }
-    if (verb.has(Verb::kRecordOptions)) app.add_flag("--all", options.all, "every record");
-    if (verb.has(Verb::kJson)) addWords(app, "-f,--format", kFormats, options.format, "form of the answer");
-}
-
-void addEditing(CLI::App& app, const Verb& verb, Options& options) {
-    if (verb.has(Verb::kType)) addName(app, "--class", options.className, "class of what is made", "CLASS");
-    if (verb.has(Verb::kUnit)) addName(app, "--unit", options.unit, "unit of the primitive", "UNIT");
-    if (verb.has(Verb::kTo)) addName(app, "--to", options.to, "copy into another file store", "STORE");
-    if (verb.has(Verb::kDocuments)) {
-        addName(app, "--into", options.into, "container to read into; the root if left out", "PATH");
-        app.add_flag("--keep-going", options.keepsGoing, "keep what could be read of a document");
-    }
-    if (verb.has(Verb::kRepairOptions)) {
-        app.add_flag("--salvage", options.salvage, "look for records in every page");
-        addName(app, "--recover", options.recovered, "group for what nothing leads to", "NAME");
-    }
-    if (!verb.has(Verb::kValueOptions)) return;
-    app.add_option("--uri", options.uri, "the value lies there")->type_name("URI");
-    app.add_option("--name", options.names, "display name in a locale; may be repeated")
-        ->type_name("LOCALE=TEXT")
-        ->allow_extra_args(false);
-}
-
-void addChoices(CLI::App& app, const Verb& verb, Options& options) {
-    addReading(app, verb, options);
-    addEditing(app, verb, options);
-    if (verb.has(Verb::kAnswers)) {
-        addWords(app, "--color", kColors, options.color,
-                 "colours of tree; auto heeds the terminal and NO_COLOR");
-        app.add_option("-o,--output", options.output,
-                       "write to a file, which takes its name only when it is whole")
-            ->type_name("FILE");
-    }
-    app.add_flag("-q,--quiet", options.quiet, "no reports, warnings and progress on standard error");
-}
-
 std::string verbNames() {
     std::string names;
-    for (const Verb* verb : kVerbs) names += (names.empty() ? "" : ", ") + std::string(verb->name);
+    for (const Verb* verb : verbs()) names += (names.empty() ? "" : ", ") + std::string(verb->name);
     return names;
+}
+
+std::string noVerb(const std::string& word) {
+    Nearest nearest(word);
+    for (const Verb* verb : verbs()) nearest.offer(verb->name);
+    nearest.offer("help");
+    return "no verb " + word + (nearest.name().empty() ? "; there are " + verbNames() : nearest.question());
 }
 
 int usage(const std::string& words, const std::string& verb = "") {
     std::string message = words;
-    const bool isName = message.size() > 1 && std::isupper(static_cast<unsigned char>(message[1])) != 0;
+    const bool isName = message.size() > 1 && std::islower(static_cast<unsigned char>(message[1])) == 0;
     if (!isName) message[0] = static_cast<char>(std::tolower(static_cast<unsigned char>(message[0])));
     Messages::fail("qvt: error: " + message + " (see qvt " + (verb.empty() ? "" : verb + " ") + "--help)");
     return kUsage;
@@ -170,90 +42,66 @@ int print(const std::string& text) {
     return kDone;
 }
 
-// A list and one more cannot be told to the parser, and so it does not say it either.
-std::string helpOn(const CLI::App& app, const std::string& prefix) {
-    std::string text =
-        app.get_formatter()->make_help(&app, prefix + app.get_name(), CLI::AppFormatMode::Normal);
-    const std::size_t documents = text.find(" DOC...\n");
-    if (documents != std::string::npos) text.insert(documents + 7, " STORE");
-    return text;
+int printHelp(const Grammar& grammar, const std::string& about) {
+    if (about.empty()) return print(helpOf(grammar.app, ""));
+    const CLI::App* verb = grammar.verb(about);
+    return verb ? print(helpOf(*verb, "qvt ")) : usage(noVerb(about));
 }
 
-int printHelp(CLI::App& app, const std::string& about) {
-    if (about.empty()) return print(helpOn(app, ""));
-    const auto verbs = app.get_subcommands([&](CLI::App* each) { return each->check_name(about); });
-    if (verbs.empty()) return usage("no verb " + about + "; there are " + verbNames());
-    return print(helpOn(*verbs.front(), "qvt "));
-}
-
-// What the options alone do not say.
-void take(const CLI::App& app, const Verb& verb, Command& command) {
-    Options& options = command.options;
-    options.hasUri = verb.has(Verb::kValueOptions) && app.count("--uri") != 0;
-    if (verb.has(Verb::kDocuments)) {
-        if (options.words.size() < 2) throw CLI::RequiredError("STORE");
-        options.store = options.words.back();
-        options.words.pop_back();
+// What is wrong with words that the verb does not take.
+std::string unexpected(const CLI::App& verb, const CLI::ExtrasError& error) {
+    for (const std::string& word : verb.remaining()) {
+        if (word.size() < 2 || word[0] != '-') continue;
+        const std::string option = word.substr(0, word.find('='));
+        Nearest nearest(option);
+        for (const CLI::Option* each : verb.get_options())
+            for (const std::string& name : each->get_lnames()) nearest.offer("--" + name);
+        return "no option " + option + nearest.question();
     }
-    command.verb = &verb;
-}
-
-void addVerb(CLI::App& app, const Verb& verb, Command& command) {
-    CLI::App* sub = app.add_subcommand(verb.name, verb.summary);
-    sub->group("Verbs");
-    sub->footer(verb.details);
-    addStores(*sub, verb, command.options);
-    addPlaces(*sub, verb, command.options);
-    addChoices(*sub, verb, command.options);
-    sub->callback([&command, &verb, sub] { take(*sub, verb, command); });
+    return error.what();
 }
 
 // The tool, a verb, -h, and some word that was begun with.
 constexpr int kMostForHelp = 4;
 
-int parse(CLI::App& app, int argc, const char* const* argv) {
+int parse(Grammar& grammar, int argc, const char* const* argv) {
+    CLI::App& app = grammar.app;
     const auto verb = [&app] {
         return app.get_subcommands().empty() ? std::string() : app.get_subcommands().front()->get_name();
     };
     try {
         app.parse(argc, argv);
-        return kDone;
+        return grammar.isHelp ? printHelp(grammar, grammar.about) : kDone;
     } catch (const CLI::CallForHelp&) {
         // Among the words of an edit, -h is more likely meant as one of them than as a question.
         if (argc > kMostForHelp)
             return usage("help is asked for by itself; -- goes before a VALUE that begins with -", verb());
-        return printHelp(app, verb());
+        return printHelp(grammar, verb());
     } catch (const CLI::CallForVersion& version) {
         return print(std::string(version.what()) + "\n");
+    } catch (const CLI::ExtrasError& error) {
+        if (!verb().empty()) return usage(unexpected(*app.get_subcommands().front(), error), verb());
     } catch (const CLI::ParseError& error) {
         if (!verb().empty()) return usage(error.what(), verb());
-        const std::string first = argc > 1 ? "no verb " + std::string(argv[1]) : "a verb is missing";
-        return usage(first + "; there are " + verbNames());
     }
+    return usage(argc > 1 ? noVerb(argv[1]) : "a verb is missing; there are " + verbNames());
+}
+
+bool isAsked(int argc, const char* const* argv, const char* word) {
+    return argc > 1 && std::string_view(argv[1]) == word;
 }
 
 }  // namespace
 
 Command commandOf(int argc, const char* const* argv) {
-    Command command;
-    CLI::App app(
-        "Reads, shows, changes and writes design data: a tree of objects with typed values, units and "
-        "classes.",
-        "qvt");
-    app.footer(kFooter);
-    app.get_formatter()->label("SUBCOMMAND", "VERB");
-    app.get_formatter()->label("TEXT", "");
-    app.require_subcommand(1);
-    app.set_version_flag("--version", "qvt " QVT_VERSION);
-    for (const Verb* verb : kVerbs) addVerb(app, *verb, command);
-    std::string about;
-    CLI::App* help = app.add_subcommand("help", "tell about a verb");
-    help->group("Verbs");
-    help->add_option("VERB", about, "one of the above");
-    help->callback([&] { command.status = printHelp(app, about); });
-    const int status = parse(app, argc, argv);
-    if (status != kDone) command.status = status;
-    return command;
+    Grammar grammar;
+    if (isAsked(argc, argv, "__manual"))
+        grammar.command.status = print(manualOf(grammar));
+    else if (isAsked(argc, argv, "__complete"))
+        grammar.command.status = print(completionsOf(grammar, {argv + 2, argv + argc}));
+    else if (const int status = parse(grammar, argc, argv); status != kDone)
+        grammar.command.status = status;
+    return grammar.command;
 }
 
 }  // namespace qvt

@@ -3,6 +3,7 @@
 
 #include <string>
 
+#include "Classes.h"
 #include "FileStores.h"
 #include "Messages.h"
 #include "Options.h"
@@ -22,6 +23,7 @@ class Editing {
     IDataStore& store() { return store_; }
     Tree& tree() { return *tree_; }
     ISchemaLocator* locator() { return locator_.get(); }
+    ClassPlaces classes() { return {name_, locator(), libraries_.storesWith(store_)}; }
     const Libraries& libraries() const { return libraries_; }
     Messages& messages() { return messages_; }
 

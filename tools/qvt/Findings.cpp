@@ -58,7 +58,7 @@ std::uint64_t errorsIn(const Report& report) {
     return static_cast<std::uint64_t>(std::count_if(report.findings.begin(), report.findings.end(), isError));
 }
 
-std::string findingsAsJson(const Report& report, const std::string& file) {
+std::string findingsAsJson(const Report& report, const std::string& file, const std::string& made) {
     Json findings = Json::array();
     for (const Finding& each : report.findings)
         findings.push_back({{"severity", severityOf(each)},
@@ -66,11 +66,12 @@ std::string findingsAsJson(const Report& report, const std::string& file) {
                             {"offset", hasRecord(each) ? Json(each.offset) : Json()},
                             {"path", orNull(each.path)},
                             {"text", each.text}});
-    const Json answer{{"store", file},
-                      {"sound", report.isSound()},
-                      {"records", report.recordCount},
-                      {"findings", std::move(findings)}};
-    return answer.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
+    Json answer{{"store", file}};
+    if (!made.empty()) answer["out"] = made;
+    answer["sound"] = report.isSound();
+    answer["records"] = report.recordCount;
+    answer["findings"] = std::move(findings);
+    return dumped(answer, 2) + "\n";
 }
 
 }  // namespace qvt

@@ -12,7 +12,8 @@ using norvane::platform::data::integrity::Report;
 
 // One line for each error and warning in the compilers' form, and one for all notes of a kind.
 std::string findingsAsText(const Report& report, const std::string& file);
-std::string findingsAsJson(const Report& report, const std::string& file);
+// `made` is the file of a repair, or empty.
+std::string findingsAsJson(const Report& report, const std::string& file, const std::string& made = "");
 
 std::uint64_t errorsIn(const Report& report);
 

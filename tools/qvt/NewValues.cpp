@@ -5,9 +5,8 @@
 #include <cstring>
 #include <string_view>
 
+#include "Nearest.h"
 #include "Objects.h"
-#include "Options.h"
-#include "norvane/platform/data/format/xml/UnitTable.h"
 
 namespace qvt {
 
@@ -168,10 +167,17 @@ std::uint32_t typeNamed(const std::string& name) {
     return 0;
 }
 
-std::uint32_t unitNamed(const std::string& name) {
-    for (const auto* row = data::format::xml::kUnitTable; row->name; ++row)
-        if (name == row->name) return row->id;
-    throw wrong("no unit " + name + " (qvt units lists them)");
+Failure unknownType(const std::string& type) {
+    Nearest nearest(type);
+    for (const std::string& each : kindAndTypeNames()) nearest.offer(each);
+    return wrong(type + " is neither node, group, link or table nor a type" + nearest.question());
+}
+
+std::vector<std::string> kindAndTypeNames() {
+    std::vector<std::string> names{"node", "group", "link", "table"};
+    for (std::uint32_t type = metadata::kBinary; type <= metadata::kStruct; ++type)
+        names.push_back(typeName(type));
+    return names;
 }
 
 }  // namespace qvt

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "Names.h"
+#include "Options.h"
 
 namespace qvt {
 
@@ -33,7 +34,9 @@ class NewValue {
 
 // The number of a type by the name of its element in documents, or 0.
 std::uint32_t typeNamed(const std::string& name);
-// The id of a unit; a name that is none is a Failure.
-std::uint32_t unitNamed(const std::string& name);
+// The names of all types, behind those of all kinds of objects that can be made.
+std::vector<std::string> kindAndTypeNames();
+// For what is none of these, with what may have been meant.
+Failure unknownType(const std::string& type);
 
 }  // namespace qvt

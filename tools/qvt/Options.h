@@ -30,8 +30,8 @@ struct Options {
     std::string className;
     std::string name;
     std::string offset;
-    std::string target;      // NEWPATH, SOURCE or OUT
-    std::string sourcePath;  // of merge
+    std::string target;      // NEWPATH, SOURCE, OUT or B
+    std::string sourcePath;  // of merge, and in B
     std::string type;        // of what is made
     std::string unit;
     std::string into;
@@ -39,6 +39,10 @@ struct Options {
     std::string recovered;
     std::vector<std::string> words;  // DOC... STORE, PATH... or VALUE...
     std::vector<std::string> names;  // LOCALE=TEXT
+    std::string condition;           // of find
+    bool hasCondition = false;
+    bool ignoresOrder = false;
+    bool hasSourcePath = false;
     bool hasUri = false;
     std::string uri;
     bool keepsGoing = false;

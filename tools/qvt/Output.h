@@ -20,6 +20,8 @@ class Output : public norvane::platform::core::io::IDataWriter {
     void line(std::string_view text);
     void finish();
 
+    // As messages name it.
+    const std::string& name() const { return name_; }
     bool isTerminal() const { return isTerminal_; }
     const Palette& palette() const { return palette_; }
 

@@ -16,13 +16,19 @@ constexpr std::chrono::seconds kPatience{1};
 
 bool isDrawn = false;
 
+// What comes after something that took long is shown at once.
+std::chrono::steady_clock::time_point beginOfRun() {
+    static const auto begin = std::chrono::steady_clock::now();
+    return begin;
+}
+
 }  // namespace
 
-Progress::Progress(std::string label, std::uint64_t total, bool isQuiet)
+Progress::Progress(const std::string& label, std::uint64_t total, bool isQuiet)
     : label_(printable(label)),
       total_(total),
-      isShown_(!isQuiet && total > 0 && ::isatty(STDERR_FILENO) != 0),
-      start_(std::chrono::steady_clock::now()) {}
+      isShown_(!isQuiet && total > 0 && ::isatty(STDERR_FILENO) != 0 && !isDumbTerminal()),
+      start_(beginOfRun()) {}
 
 void Progress::reached(std::uint64_t done) {
     if (!isShown_ || std::chrono::steady_clock::now() - start_ < kPatience) return;

@@ -6,6 +6,7 @@
 #include "MissingClasses.h"
 #include "Options.h"
 #include "Progress.h"
+#include "UnknownUnits.h"
 #include "norvane/platform/core/io/MemoryReader.h"
 #include "norvane/platform/core/storage/datastore/StoreError.h"
 #include "norvane/platform/core/xml/DiagnosingReader.h"
@@ -105,6 +106,7 @@ void Reading::read(Target* target, const Input& input) {
     }
     if (reader.DiagnosingReader::stopped()) failAt(input, reader);
     classes.tell(messages_);
+    warnOfUnknownUnits(input, messages_);
 }
 
 void Reading::into(IDataStore& store, const Input& input) { read(&store, input); }

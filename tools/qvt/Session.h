@@ -3,6 +3,7 @@
 
 #include <string>
 
+#include "Classes.h"
 #include "Messages.h"
 #include "Names.h"
 #include "Options.h"
@@ -25,6 +26,7 @@ class Session {
     IDataStore& store() const { return source_.store(); }
     Messages& messages() { return messages_; }
     ISchemaLocator* locator() { return locator_.get(); }
+    ClassPlaces classes() { return {name(), locator(), libraries_.storesWith(store())}; }
     // Closes the tables that the locator keeps open, so that the records are at rest.
     void closeLocator() { locator_.reset(); }
     // The status of a run that did all it was asked to do.
@@ -37,11 +39,14 @@ class Session {
     SharedPtr<ISchemaLocator> locator_;
 };
 
-// The store of a session as objects.
+// A store as objects, with the values of its structs.
 class ObjectsView : public Tree {
   public:
     explicit ObjectsView(Session& session)
-        : Tree(session.store(), session.name()), locator_(session.locator()) {}
+        : ObjectsView(session.store(), session.name(), session.locator()) {}
+    // All borrowed.
+    ObjectsView(IDataStore& store, const std::string& name, ISchemaLocator* locator)
+        : Tree(store, name), locator_(locator) {}
 
     ISchemaLocator* locator() const { return locator_; }
 

@@ -35,4 +35,10 @@ SharedPtr<ISchemaLocator> Libraries::locatorFor(IDataStore& store) const {
     return locator;
 }
 
+std::vector<IDataStore*> Libraries::storesWith(IDataStore& store) const {
+    std::vector<IDataStore*> stores{&store};
+    for (const auto& source : sources_) stores.push_back(&source->store());
+    return stores;
+}
+
 }  // namespace qvt

@@ -36,6 +36,8 @@ class Libraries {
 
     // A locator that knows a store and the libraries. To go before they do.
     SharedPtr<ISchemaLocator> locatorFor(IDataStore& store) const;
+    // That store and those of the libraries, borrowed.
+    std::vector<IDataStore*> storesWith(IDataStore& store) const;
 
   private:
     std::vector<std::unique_ptr<Source>> sources_;

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "FileStores.h"
+#include "Nearest.h"
 
 namespace qvt {
 
@@ -39,7 +40,29 @@ Object Tree::get(const std::string& path) const {
     if (path.empty()) throw nothingIn(name_);
     const std::string prefix = longestPrefix(path);
     throw Failure(kMissing, name_ + ": error: nothing at " + path +
-                                (prefix.empty() ? std::string() : ", though there is " + prefix));
+                                (prefix.empty() ? std::string() : ", though there is " + prefix) +
+                                Nearest::asQuestion(meant(path)));
+}
+
+// The library's own paths begin below the root, but people see its name in front of all.
+std::string Tree::withoutRootName(const std::string& path) const {
+    const std::string beginning = hasRoot() ? rootName() + "." : std::string();
+    const bool hasName = beginning.size() > 1 && path.rfind(beginning, 0) == 0;
+    return hasName && find(path.substr(beginning.size())) ? path.substr(beginning.size()) : std::string();
+}
+
+std::string Tree::meant(const std::string& path) const {
+    constexpr int kMostSiblings = 20000;
+    const std::string prefix = longestPrefix(path);
+    const std::size_t begin = prefix.empty() ? 0 : prefix.size() + 1;
+    const std::size_t end = std::min(path.find('.', begin), path.size());
+    const Object parent = prefix.empty() ? root_ : find(prefix);
+    Nearest nearest(path.substr(begin, end - begin));
+    Children siblings(parent);
+    for (int i = 0; i < kMostSiblings && !siblings.isAtEnd(); ++i) nearest.offer(nameOf(siblings.take()));
+    if (nearest.name().empty()) return withoutRootName(path);
+    const std::string here = path.substr(0, begin) + nearest.name();
+    return find(here + path.substr(end)) ? here + path.substr(end) : here;
 }
 
 // What leads somewhere does so in all its beginnings, so half of them can be left out each time.

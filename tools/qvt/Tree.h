@@ -31,8 +31,12 @@ class Tree {
 
     // The object at a path; for the empty path the outermost one. Nothing if no object has just this path.
     Object find(const std::string& path) const;
-    // The same; nothing there is a Failure that says how far the path leads.
+    // The same; nothing there is a Failure that says how far the path leads, and what may have been meant.
     Object get(const std::string& path) const;
+
+    // The path of an object that a path which leads nowhere may have been meant for, or nothing. Looks at the
+    // siblings of its first name that is not there, and at no more than some thousands of these.
+    std::string meant(const std::string& path) const;
 
     // The path as it is given on the command line.
     std::string pathOf(const Object& object) const;
@@ -42,6 +46,7 @@ class Tree {
 
   private:
     std::string longestPrefix(const std::string& path) const;
+    std::string withoutRootName(const std::string& path) const;
 
     std::string name_;
     RootAsGroup view_;

@@ -3,6 +3,8 @@
 #include <cstdio>
 #include <unordered_map>
 
+#include "Nearest.h"
+#include "Options.h"
 #include "norvane/platform/data/format/xml/UnitTable.h"
 
 namespace qvt {
@@ -38,6 +40,28 @@ std::string unitName(std::uint32_t id) {
 std::string dimensionName(std::uint32_t id) {
     static const Names names = namesOf(kDimensionTable);
     return nameIn(names, dimensionKeyOf(id));
+}
+
+std::uint32_t unitIdOf(std::string_view name) {
+    static const auto ids = [] {
+        std::unordered_map<std::string_view, std::uint32_t> all;
+        for (const tUnit* row = kUnitTable; row->name; ++row) all.emplace(row->name, row->id);
+        return all;
+    }();
+    const auto found = ids.find(name);
+    return found == ids.end() ? 0 : found->second;
+}
+
+std::uint32_t unitNamed(const std::string& name) {
+    if (const std::uint32_t id = unitIdOf(name)) return id;
+    throw Failure(kUsage,
+                  "error: no unit " + name + Nearest::asQuestion(unitNear(name)) + " (qvt units lists them)");
+}
+
+std::string unitNear(const std::string& name) {
+    Nearest nearest(name);
+    for (const tUnit* row = kUnitTable; row->name; ++row) nearest.offer(row->name);
+    return nearest.name();
 }
 
 std::string hexadecimal(std::uint32_t number) {

@@ -140,6 +140,10 @@ Json fieldJson(const IStructLayout::tField& field, const std::byte* bytes) {
 
 }  // namespace
 
+std::string dumped(const Json& json, int indentation) {
+    return json.dump(indentation, ' ', false, Json::error_handler_t::replace);
+}
+
 Value::Value(IPrimitive& primitive, ISchemaLocator* locator, std::uint32_t mostElements)
     : type_(primitive.dataType()),
       elementSize_(std::max(1u, primitive.elementSize())),
@@ -161,6 +165,13 @@ Value::Value(IPrimitive& primitive, ISchemaLocator* locator, std::uint32_t mostE
 std::string Value::numbers() const { return numberTexts(type_, bytes_.data(), bytes_.size()); }
 
 std::vector<std::string> Value::texts() const { return textsIn(bytes_.data(), bytes_.size(), isCut()); }
+
+bool Value::hasNumber(const std::function<bool(long double)>& test) const {
+    if (form_ != Form::numbers) return false;
+    for (std::size_t at = 0; at + elementSize_ <= bytes_.size(); at += elementSize_)
+        if (withNumber(type_, bytes_.data() + at, [&](auto number) { return test(number); })) return true;
+    return false;
+}
 
 std::string Value::base64() const { return base64Of(bytes_.data(), bytes_.size()); }
 

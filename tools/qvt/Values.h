@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <nlohmann/json_fwd.hpp>
 #include <string>
 #include <string_view>
@@ -13,6 +14,9 @@
 namespace qvt {
 
 using Json = nlohmann::ordered_json;
+
+// JSON in one line, or with this indentation in several. A byte that is not UTF-8 becomes U+FFFD.
+std::string dumped(const Json& json, int indentation = -1);
 
 // The elements of a primitive, or the first of them, in memory.
 class Value {
@@ -25,6 +29,8 @@ class Value {
     // How the elements are to be understood.
     enum class Form { numbers, texts, structs, bytes };
     Form form() const { return form_; }
+    // A struct that is shown as bytes: its class is not known, or has no fields.
+    bool isWithoutLayout() const { return type_ == metadata::kStruct && form_ == Form::bytes; }
     // Elements of the whole value, as the library counts them.
     std::uint32_t count() const { return count_; }
     bool isCut() const { return bytes_.size() / elementSize_ < count_; }
@@ -33,6 +39,8 @@ class Value {
     std::string numbers() const;
     // Of `texts` only. Of a cut value, the last one may be the beginning of a text.
     std::vector<std::string> texts() const;
+    // Whether a number is among them that meets the test. Of `numbers` only, else false.
+    bool hasNumber(const std::function<bool(long double)>& test) const;
     // Base64. Of `bytes` only.
     std::string base64() const;
 

@@ -30,11 +30,14 @@ struct Verb {
         kTo = 1u << 18,             // --to
         kJson = 1u << 19,           // -f json
         kAnswers = 1u << 20,        // prints something: -o and --color
+        kFindOptions = 1u << 21,    // what is looked for
+        kBoth = 1u << 22,           // A B [PATH] [BPATH], with --ignore-order
     };
 
     const char* name;
     const char* summary;
     const char* details;
+    const char* examples;  // commands that work, one a line
     unsigned takes;
     int (*run)(const Options& options);
 
@@ -46,6 +49,8 @@ extern const Verb kExport;
 extern const Verb kTree;
 extern const Verb kShow;
 extern const Verb kGet;
+extern const Verb kFind;
+extern const Verb kDiff;
 extern const Verb kSet;
 extern const Verb kNew;
 extern const Verb kRm;

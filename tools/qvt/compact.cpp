@@ -18,8 +18,11 @@ int compact(const Options& options) {
 
 }  // namespace
 
-const Verb kCompact{"compact", "give back the room of removed records",
+const Verb kCompact{"compact",
+                    "give back the room of removed records",
                     "Rewrites the file without it. All records stay as they are, and keep their offsets.",
-                    Verb::kFile, compact};
+                    "  qvt compact plant.qvt",
+                    Verb::kFile,
+                    compact};
 
 }  // namespace qvt

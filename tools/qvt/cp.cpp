@@ -46,9 +46,13 @@ int cp(const Options& options) {
 }  // namespace
 
 const Verb kCp{
-    "cp", "copy an object",
+    "cp",
+    "copy an object",
     "NEWPATH is the whole path of the copy, its last name included; with --to in that store, which must be\n"
     "there. The copy of a member of a class is a member of its own.",
-    Verb::kFile | Verb::kPath | Verb::kNewPath | Verb::kTo, cp};
+    "  qvt cp plant.qvt hall.p1 hall.p3\n"
+    "  qvt cp plant.qvt hall.p1 p1 --to other.qvt",
+    Verb::kFile | Verb::kPath | Verb::kNewPath | Verb::kTo,
+    cp};
 
 }  // namespace qvt

@@ -4,6 +4,7 @@
 #include "Session.h"
 #include "Stack.h"
 #include "Verbs.h"
+#include "WatchedStore.h"
 #include "norvane/platform/core/storage/datastore/MemoryDataStore.h"
 #include "norvane/platform/data/format/xml/IXMLFrontEnd.h"
 #include "norvane/platform/data/structure/IContainerFrontEnd.h"
@@ -18,7 +19,10 @@ using data::format::xml::IXMLFrontEnd;
 // A struct is written field by field, which takes the layout of its class.
 void write(IDataStore& store, std::uint32_t offset, Output& output, Session& session) {
     MissingClasses classes(*session.locator(), [&session] { return session.name(); });
-    IXMLFrontEnd::serialize(&store, &output, &classes, offset);
+    Progress progress("writing " + output.name(), store.size(), session.messages().isQuiet());
+    WatchedStore watched(store, progress);
+    IDataStore& source = progress.isShown() ? watched : store;
+    IXMLFrontEnd::serialize(&source, &output, &classes, offset);
     classes.tell(session.messages());
 }
 
@@ -79,10 +83,14 @@ int run(const Options& options) {
 }  // namespace
 
 const Verb kExport{
-    "export", "write a document",
+    "export",
+    "write a document",
     "Writes the whole store as a document, or what is at PATH as one of its own. What came from a class\n"
     "and was not changed is left out, and so is what documents cannot hold; floating numbers get 7 digits.\n"
     "Exporting an export gives the same bytes.",
-    Verb::kStore | Verb::kSchemas | Verb::kAnswers | Verb::kOptionalPath, run};
+    "  qvt export plant.qvt -o plant.xml\n"
+    "  qvt export plant.qvt hall.p1",
+    Verb::kStore | Verb::kSchemas | Verb::kAnswers | Verb::kOptionalPath,
+    run};
 
 }  // namespace qvt

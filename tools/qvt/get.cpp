@@ -1,6 +1,7 @@
 // qvt get STORE PATH
 #include <nlohmann/json.hpp>
 
+#include "Describe.h"
 #include "Output.h"
 #include "Session.h"
 #include "Values.h"
@@ -48,15 +49,12 @@ std::string inWords(const Object& object, const ObjectsView& view) {
 void put(Output& output, const Object& object, ObjectsView& view, const Options& options) {
     const bool isJson = options.format == Format::json;
     IPrimitive* primitive = object.primitive();
-    Json answer{{"path", view.pathOf(object)}};
-    if (!primitive && !isJson) return putText(output, targetOf(object));
-    if (!primitive) answer["value"] = targetOf(object);
-    if (primitive) {
-        const Value value(*primitive, view.locator());
-        if (!isJson) return putValue(output, value);
-        answer["value"] = value.json();
-    }
-    output.line(answer.dump());
+    if (!isJson)
+        return primitive ? putValue(output, Value(*primitive, view.locator()))
+                         : putText(output, targetOf(object));
+    Json answer = factsAt(view.pathOf(object), object, view);
+    addValue(answer, object, view.locator());
+    output.line(dumped(answer));
 }
 
 int get(const Options& options) {
@@ -73,18 +71,23 @@ int get(const Options& options) {
     Output output(options);
     put(output, object, view, options);
     output.finish();
+    warnOfMissingLayout(object, session);
     return session.status();
 }
 
 }  // namespace
 
 const Verb kGet{
-    "get", "print one value",
+    "get",
+    "print one value",
     "Numbers stand in one line, separated by blanks, each in the shortest form that reads back as\n"
     "the same number; a bool is 0 or 1. Texts stand one a line, exactly as they are; on a terminal,\n"
     "control characters are shown as \\n, \\x1b and so on. Structs stand one a line, their fields in the\n"
     "order of the layout. Bytes are Base64. Of a link, the target is printed.\n"
     "A value that lies elsewhere (URI) is not fetched: exit status 1.",
-    Verb::kStore | Verb::kSchemas | Verb::kAnswers | Verb::kPath | Verb::kJson, get};
+    "  qvt get plant.qvt hall.p1.power\n"
+    "  qvt get plant.qvt hall.p1.maker -f json",
+    Verb::kStore | Verb::kSchemas | Verb::kAnswers | Verb::kPath | Verb::kJson,
+    get};
 
 }  // namespace qvt

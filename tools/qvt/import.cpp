@@ -6,6 +6,7 @@
 #include "Input.h"
 #include "NewFile.h"
 #include "NewValues.h"
+#include "Progress.h"
 #include "Reading.h"
 #include "Verbs.h"
 #include "norvane/platform/core/storage/datastore/MemoryDataStore.h"
@@ -111,6 +112,8 @@ Status readAll(const std::vector<Input>& inputs, FileDataStore& store, const Lib
     }
     if (store.size() == 0)
         throw Failure(std::max(status, kNo), inputs.front().name() + ": error: nothing was read");
+    Progress saving("saving " + options.store, 1, options.quiet);
+    saving.reached(0);
     transaction.commit();
     store.close();
     return status;
@@ -137,14 +140,20 @@ int import(const Options& options) {
 }  // namespace
 
 const Verb kImport{
-    "import", "read documents into a store",
+    "import",
+    "read documents into a store",
     "Makes the store if it is not there. All or nothing: a document that is not well-formed leaves the\n"
-    "store as it was, or not there; --keep-going keeps what could be read. The first document makes the\n"
-    "root; the children of others go into it, and objects that are no root become its children. With --into\n"
-    "the outermost element stands for the container there, if it is one, and what it holds goes into that.\n"
+    "store as it was, or not there; --keep-going keeps what could be read. The first document becomes\n"
+    "the contents of a store that has none, whatever its outermost element is. Of further documents the\n"
+    "children go into the root, and an outermost element that is no root becomes a child of it; where the\n"
+    "store's own outermost object is no root, --into must say where they go. With --into the outermost\n"
+    "element stands for the container there, if it is one, and what it holds goes into that.\n"
     "A container whose name is taken is reported and skipped; a primitive or table of the same type gets\n"
     "the new values.\n"
     "Exit status 1 if a document had reports, of elements that were skipped: the rest was imported.",
-    Verb::kDocuments | Verb::kSchemas, import};
+    "  qvt import pump.lib.xml pump.xml plant.qvt\n"
+    "  qvt import more.xml plant.qvt --into hall",
+    Verb::kDocuments | Verb::kSchemas,
+    import};
 
 }  // namespace qvt

@@ -52,9 +52,12 @@ int merge(const Options& options) {
 }  // namespace
 
 const Verb kMerge{
-    "merge", "add what another container holds",
+    "merge",
+    "add what another container holds",
     "Copies the children of the container at SPATH (the root if left out) of SOURCE, a store or a document,\n"
     "into the container at PATH. A child whose name is taken there is left out, with a warning.",
-    Verb::kFile | Verb::kSchemas | Verb::kPath | Verb::kSource, merge};
+    "  qvt merge plant.qvt hall other.qvt",
+    Verb::kFile | Verb::kSchemas | Verb::kPath | Verb::kSource,
+    merge};
 
 }  // namespace qvt

@@ -54,10 +54,13 @@ int mv(const Options& options) {
 }  // namespace
 
 const Verb kMv{
-    "mv", "rename or move an object",
+    "mv",
+    "rename or move an object",
     "NEWPATH is the whole new path, its last name included. Under another object it is made anew there and\n"
     "becomes the last of its siblings. Links that lead to it are left as they are. What came from a class\n"
     "cannot be moved, and a table can be moved only to a container.",
-    Verb::kFile | Verb::kPath | Verb::kNewPath, mv};
+    "  qvt mv plant.qvt hall.spare hall.reserve",
+    Verb::kFile | Verb::kPath | Verb::kNewPath,
+    mv};
 
 }  // namespace qvt

@@ -4,6 +4,7 @@
 #include "Editing.h"
 #include "NewValues.h"
 #include "Objects.h"
+#include "Units.h"
 #include "Verbs.h"
 #include "norvane/platform/data/structure/ContainerKind.h"
 #include "norvane/platform/data/structure/ILink.h"
@@ -22,7 +23,7 @@ int kindNamed(const std::string& name) {
 
 SharedPtr<ISchema> schemaFor(Editing& editing, const Options& options) {
     if (options.className.empty()) return {};
-    return classNamed(options.className, editing.locator(), editing.name());
+    return classNamed(options.className, editing.classes());
 }
 
 void mustBeContainer(const Tree& tree, const Object& parent) {
@@ -67,8 +68,7 @@ void makePrimitive(Editing& editing, const Object& parent, std::uint32_t type, c
 std::uint32_t typeIn(const Options& options) {
     const std::uint32_t type = typeNamed(options.type);
     const bool isSet = options.type == "table" || kindNamed(options.type) >= 0;
-    if (type == 0 && !isSet)
-        throw Failure(kUsage, "error: " + options.type + " is neither node, group, link or table nor a type");
+    if (type == 0 && !isSet) throw unknownType(options.type);
     if (type == 0 && !options.unit.empty()) throw Failure(kUsage, "error: only primitives have a unit");
     if (type == metadata::kStruct && options.className.empty())
         throw Failure(kUsage, "error: a struct takes --class");
@@ -104,11 +104,15 @@ int run(const Options& options) {
 }  // namespace
 
 const Verb kNew{
-    "new", "make an object",
+    "new",
+    "make an object",
     "KIND is node, group, link or table, or the type of a primitive as documents name it: double, string,\n"
     "vector3, struct and so on. VALUEs as for set; of a link, its target. --class gives a container or\n"
     "table the members of a class, or of several joined by \";\"; a struct takes the class of its fields.\n"
     "What holds the new object must be there. Nothing is made where something is.",
-    Verb::kFile | Verb::kSchemas | Verb::kPath | Verb::kType | Verb::kValues | Verb::kUnit, run};
+    "  qvt new plant.qvt hall.p2 node --class Types.Pump\n"
+    "  qvt new plant.qvt hall.p1.flow double 12.5 --unit CubicMeterPerHour",
+    Verb::kFile | Verb::kSchemas | Verb::kPath | Verb::kType | Verb::kValues | Verb::kUnit,
+    run};
 
 }  // namespace qvt

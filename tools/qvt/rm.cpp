@@ -17,8 +17,11 @@ int rm(const Options& options) {
 }  // namespace
 
 const Verb kRm{
-    "rm", "remove objects",
+    "rm",
+    "remove objects",
     "Removes each object with all that is below it, or none of them. What came from a class stays.",
-    Verb::kFile | Verb::kPaths, rm};
+    "  qvt rm plant.qvt hall.spare",
+    Verb::kFile | Verb::kPaths,
+    rm};
 
 }  // namespace qvt

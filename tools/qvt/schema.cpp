@@ -36,17 +36,17 @@ std::string asJson(const std::string& className, IStructLayout& layout) {
                           {"size", field.size}});
     }
     const Json answer{{"class", className},
-                      {"byteSize", layout.byteSize()},
-                      {"valueCount", layout.valueCount()},
+                      {"bytes", layout.byteSize()},
+                      {"elements", layout.valueCount()},
                       {"fields", std::move(fields)}};
-    return answer.dump(2) + "\n";
+    return dumped(answer, 2) + "\n";
 }
 
 int schema(const Options& options) {
     if (options.className.find(';') != std::string::npos)
         throw Failure(kUsage, "error: a layout is that of one class");
     Session session(options);
-    const SharedPtr<ISchema> found = classNamed(options.className, session.locator(), session.name());
+    const SharedPtr<ISchema> found = classNamed(options.className, session.classes());
     Output output(options);
     output.put(options.format == Format::json ? asJson(options.className, *found->layout())
                                               : asText(*found->layout()));
@@ -57,10 +57,13 @@ int schema(const Options& options) {
 }  // namespace
 
 const Verb kSchema{
-    "schema", "print the layout of a class",
+    "schema",
+    "print the layout of a class",
     "One line for each field of a packed struct value of this class: its dotted name, its type, the\n"
     "number of elements, the byte offset and the size in bytes. A member whose value lies elsewhere\n"
     "(URI) has 0 elements.",
-    Verb::kStore | Verb::kSchemas | Verb::kAnswers | Verb::kClass | Verb::kJson, schema};
+    "  qvt schema plant.qvt Types.Point",
+    Verb::kStore | Verb::kSchemas | Verb::kAnswers | Verb::kClass | Verb::kJson,
+    schema};
 
 }  // namespace qvt

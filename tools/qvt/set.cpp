@@ -3,6 +3,7 @@
 #include "Editing.h"
 #include "NewValues.h"
 #include "Objects.h"
+#include "Units.h"
 #include "Verbs.h"
 #include "norvane/platform/data/structure/ILink.h"
 
@@ -95,7 +96,8 @@ int set(const Options& options) {
 }  // namespace
 
 const Verb kSet{
-    "set", "change a value",
+    "set",
+    "change a value",
     "The VALUEs become the whole value: numbers, several to a word if need be, as get prints them; true\n"
     "and false for a bool; a text each; Base64 for bytes; the numbers of its fields for a struct, whose\n"
     "class must be known; the target of a link. An empty VALUE empties numbers and removes a target. If a\n"
@@ -103,6 +105,9 @@ const Verb kSet{
     "gives the\n"
     "primitive another unit, which makes it the last among its siblings, and is refused if it came from a\n"
     "class. --name sets a display name, without TEXT it removes it.",
-    Verb::kFile | Verb::kSchemas | Verb::kPath | Verb::kValues | Verb::kValueOptions | Verb::kUnit, set};
+    "  qvt set plant.qvt hall.p1.power 11\n"
+    "  qvt set plant.qvt hall.p1 --name de-de=Hauptpumpe",
+    Verb::kFile | Verb::kSchemas | Verb::kPath | Verb::kValues | Verb::kValueOptions | Verb::kUnit,
+    set};
 
 }  // namespace qvt

@@ -4,7 +4,6 @@
 #include "Describe.h"
 #include "Output.h"
 #include "Table.h"
-#include "Units.h"
 #include "Verbs.h"
 #include "norvane/platform/data/structure/ILink.h"
 
@@ -29,24 +28,6 @@ std::uint32_t childCount(const Object& object) {
     return count;
 }
 
-struct Default {
-    std::string dimension;
-    std::string unit;
-    std::string type;
-};
-
-std::vector<Default> defaultsOf(const Object& object) {
-    std::vector<Default> defaults;
-    ITable* table = object.table();
-    const std::uint32_t count = table ? table->defaultCount() : 0;
-    for (std::uint32_t i = 0; i < count; ++i) {
-        const std::uint32_t key = table->defaultDimension(i);
-        defaults.push_back(
-            {dimensionName(key), unitName(table->defaultUnit(key)), typeName(table->defaultType(key))});
-    }
-    return defaults;
-}
-
 Object targetObject(const Object& object) {
     ILink* link = ILink::to(object.container.get());
     return link ? Object(link->resolve(nullptr)) : Object();
@@ -57,41 +38,34 @@ class AsJson {
     AsJson(ObjectsView& view, const Object& object) : view_(view), object_(object) {}
 
     std::string text() {
-        Json answer{{"path", view_.pathOf(object_)}};
-        answer.update(factsOf(object_, view_));
+        Json answer = factsAt(view_.pathOf(object_), object_, view_);
         answer["names"] = Json::object();
         for (const auto& [locale, text] : displayNamesOf(object_)) answer["names"][locale] = text;
         answer["flags"] = flagWords(flagsOf(object_));
-        addValue(answer);
+        addValue(answer, object_, view_.locator());
+        addSizes(answer);
         addLink(answer);
         addDefaults(answer);
         if (answer["kind"] == "root") answer["version"] = view_.version();
-        return answer.dump(2) + "\n";
+        return dumped(answer, 2) + "\n";
     }
 
   private:
-    void addValue(Json& answer) {
+    void addSizes(Json& answer) {
         IPrimitive* primitive = object_.primitive();
-        answer["locale"] = primitive ? orNull(utf8(primitive->locale())) : Json();
-        answer["uri"] = primitive ? orNull(utf8(primitive->uri())) : Json();
-        answer["count"] = primitive ? primitive->count() : childCount(object_);
         answer["bytes"] = primitive ? Json(primitive->valueBytes()) : Json();
-        answer["value"] = valueJson(object_, view_.locator());
+        if (!primitive) answer["count"] = childCount(object_);
     }
 
     void addLink(Json& answer) {
         if (answer["kind"] != "link") return;
         const Object target = targetObject(object_);
-        answer["target"] = targetOf(object_);
         answer["resolves"] = static_cast<bool>(target);
     }
 
     void addDefaults(Json& answer) {
         if (!object_.table()) return;
-        answer["defaults"] = Json::array();
-        for (const Default& each : defaultsOf(object_))
-            answer["defaults"].push_back(
-                {{"dimension", each.dimension}, {"unit", each.unit}, {"type", each.type}});
+        answer["defaults"] = defaultsJson(object_);
     }
 
     ObjectsView& view_;
@@ -187,17 +161,22 @@ int show(const Options& options) {
     Output output(options);
     output.put(options.format == Format::json ? AsJson(view, object).text() : AsText(view, object).text());
     output.finish();
+    warnOfMissingLayout(object, session);
     return session.status();
 }
 
 }  // namespace
 
 const Verb kShow{
-    "show", "print one object in full",
+    "show",
+    "print one object in full",
     "Kind, type, class, display names by locale, flags, unit, locale and URI of the value, the number of\n"
     "elements (code units for text, bytes for structs; children for containers and tables), the value. A\n"
     "struct is printed field by field where its class is known. Control characters are shown as \\n, \\x1b\n"
     "and so on. In JSON the value is an array of numbers or texts, of objects for structs, or Base64.",
-    Verb::kStore | Verb::kSchemas | Verb::kAnswers | Verb::kOptionalPath | Verb::kJson, show};
+    "  qvt show plant.qvt hall.p1.power\n"
+    "  qvt show plant.qvt hall.p1 -f json",
+    Verb::kStore | Verb::kSchemas | Verb::kAnswers | Verb::kOptionalPath | Verb::kJson,
+    show};
 
 }  // namespace qvt

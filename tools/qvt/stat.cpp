@@ -136,7 +136,7 @@ class Report {
             answer["recordKinds"][kind] = {{"records", records.count}, {"bytes", records.bytes}};
         for (const auto& [name, counts] : tables())
             answer[name] = counts->empty() ? Json::object() : Json(*counts);
-        return answer.dump(2) + "\n";
+        return dumped(answer, 2) + "\n";
     }
 
     std::string text() const {
@@ -212,7 +212,8 @@ int stat(const Options& options) {
 }  // namespace
 
 const Verb kStat{
-    "stat", "count what a store holds",
+    "stat",
+    "count what a store holds",
     "What classes bring in counts like what was given to the objects themselves.\n"
     "  containers    nodes, groups and links together; the root is none of them\n"
     "  tables, primitives\n"
@@ -230,6 +231,9 @@ const Verb kStat{
     "it\n"
     "                is read into; bytes is the sum of their sizes\n"
     "Then records by kind; primitives by type and by unit; objects by class text; structs by class.",
-    Verb::kStore | Verb::kSchemas | Verb::kAnswers | Verb::kJson, stat};
+    "  qvt stat plant.qvt\n"
+    "  qvt stat pump.xml --schemas pump.lib.xml -f json",
+    Verb::kStore | Verb::kSchemas | Verb::kAnswers | Verb::kJson,
+    stat};
 
 }  // namespace qvt

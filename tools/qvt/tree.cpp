@@ -14,10 +14,24 @@ namespace {
 // indentation.
 constexpr std::size_t kDeepestIndent = 40;
 
+// What is drawn in front of a child: of the last one, of another one, and below each of these.
+struct Strokes {
+    const char* last;
+    const char* other;
+    const char* belowLast;
+    const char* belowOther;
+};
+
+constexpr Strokes kLines{"└── ", "├── ", "    ", "│   "};
+constexpr Strokes kAscii{"`-- ", "|-- ", "    ", "|   "};
+
 class Drawing {
   public:
     Drawing(Output& output, ObjectsView& view, const Options& options)
-        : output_(output), line_(view, output.palette(), options.values), depth_(options.depth) {}
+        : output_(output),
+          line_(view, output.palette(), options.values),
+          depth_(options.depth),
+          strokes_(isUtf8Locale() ? kLines : kAscii) {}
 
     void draw(const Object& top) {
         output_.line(line_.of(top));
@@ -42,14 +56,15 @@ class Drawing {
         const bool isLast = siblings.isAtEnd();
         const std::size_t depth = levels_.size();
         const std::string number = depth > kDeepestIndent ? "[" + std::to_string(depth) + "] " : "";
-        output_.line(indent_ + (isLast ? "└── " : "├── ") + number + line_.of(child));
+        output_.line(indent_ + (isLast ? strokes_.last : strokes_.other) + number + line_.of(child));
         open(child, isLast);
     }
 
     void open(const Object& parent, bool isLast) {
         if (levels_.size() >= depth_) return;
         const std::size_t indent = indent_.size();
-        if (!levels_.isEmpty() && levels_.size() < kDeepestIndent) indent_ += isLast ? "    " : "│   ";
+        if (!levels_.isEmpty() && levels_.size() < kDeepestIndent)
+            indent_ += isLast ? strokes_.belowLast : strokes_.belowOther;
         levels_.push({Children(parent), indent});
     }
 
@@ -61,6 +76,7 @@ class Drawing {
     Output& output_;
     Line line_;
     std::uint32_t depth_;
+    const Strokes& strokes_;
     std::string indent_;
     Stack<Level> levels_;
 };
@@ -95,10 +111,10 @@ class JsonTree {
 
     // An object that may have children stays open for them.
     void open(const Object& object) {
-        Json facts = factsOf(object, view_);
-        if (facts["kind"] == "link") facts["target"] = targetOf(object);
-        if (options_.values) addValue(facts, object);
-        std::string text = facts.dump();
+        Json facts =
+            levels_.isEmpty() ? factsAt(view_.pathOf(object), object, view_) : factsOf(object, view_);
+        if (options_.values && object.primitive()) addValue(facts, object, view_.locator());
+        std::string text = dumped(facts);
         const bool isOpen = !object.primitive() && levels_.size() < options_.depth;
         if (isOpen) text.back() = ',';
         output_.put(text);
@@ -110,13 +126,6 @@ class JsonTree {
     void close() {
         levels_.pop();
         output_.put("]}");
-    }
-
-    void addValue(Json& facts, const Object& object) {
-        IPrimitive* primitive = object.primitive();
-        if (!primitive) return;
-        facts["uri"] = orNull(utf8(primitive->uri()));
-        facts["value"] = valueJson(object, view_.locator());
     }
 
     Output& output_;
@@ -141,11 +150,14 @@ int tree(const Options& options) {
 }  // namespace
 
 const Verb kTree{
-    "tree", "draw what stands below an object",
+    "tree",
+    "draw what stands below an object",
     "One line for each object: name: kind or type [class], with --values also = value unit. Properties\n"
     "come first, then containers, each in their order. (inherited) came from a class and is as the class\n"
     "has it, (overridden) came from a class and has another value. -> is the target of a link, <...> the\n"
     "place of a value that lies elsewhere. Long values are cut; show prints them whole.",
+    "  qvt tree plant.qvt hall --values\n"
+    "  qvt tree pump.xml --schemas pump.lib.xml -d 2",
     Verb::kStore | Verb::kSchemas | Verb::kAnswers | Verb::kOptionalPath | Verb::kJson | Verb::kTreeOptions,
     tree};
 

@@ -4,8 +4,10 @@
 #include <nlohmann/json.hpp>
 #include <vector>
 
+#include "Nearest.h"
 #include "Output.h"
 #include "Table.h"
+#include "UnitScales.h"
 #include "Values.h"
 #include "Verbs.h"
 #include "norvane/platform/data/format/xml/UnitTable.h"
@@ -35,6 +37,13 @@ std::vector<tUnit> unitsFor(const std::string& name) {
     return found;
 }
 
+Failure unknown(const std::string& name) {
+    Nearest nearest(name);
+    for (const tUnit* row = kDimensionTable; row->name; ++row) nearest.offer(row->name);
+    for (const tUnit* row = kUnitTable; row->name; ++row) nearest.offer(row->name);
+    return {kMissing, "error: no unit or dimension " + name + nearest.question()};
+}
+
 std::string asText(const std::vector<tUnit>& units) {
     Table table;
     for (const tUnit& unit : units) table.add({hexadecimal(unit.id), dimensionName(unit.id), unit.name});
@@ -43,14 +52,20 @@ std::string asText(const std::vector<tUnit>& units) {
 
 std::string asJson(const std::vector<tUnit>& units) {
     Json rows = Json::array();
-    for (const tUnit& unit : units)
-        rows.push_back({{"unit", unit.name}, {"id", unit.id}, {"dimension", dimensionName(unit.id)}});
-    return Json{{"units", std::move(rows)}}.dump(2) + "\n";
+    for (const tUnit& unit : units) {
+        const std::optional<UnitScale> scale = scaleOf(unit.id);
+        rows.push_back({{"unit", unit.name},
+                        {"id", unit.id},
+                        {"dimension", dimensionName(unit.id)},
+                        {"factor", scale ? Json(static_cast<double>(scale->factor)) : Json()},
+                        {"shift", scale ? Json(static_cast<double>(scale->offset)) : Json()}});
+    }
+    return dumped({{"units", std::move(rows)}}, 2) + "\n";
 }
 
 int units(const Options& options) {
     const std::vector<tUnit> found = unitsFor(options.name);
-    if (found.empty()) throw Failure(kMissing, "error: no unit or dimension " + options.name);
+    if (found.empty()) throw unknown(options.name);
     Output output(options);
     output.put(options.format == Format::json ? asJson(found) : asText(found));
     output.finish();
@@ -60,10 +75,14 @@ int units(const Options& options) {
 }  // namespace
 
 const Verb kUnits{
-    "units", "print units of measure",
+    "units",
+    "print units of measure",
     "One line for each unit: its id, its dimension, its name. NAME is a dimension, whose units are\n"
     "printed, or a unit. Names are compared exactly; some hold a comma and blanks at their end, which\n"
     "-f json shows.",
-    Verb::kOptionalName | Verb::kJson | Verb::kAnswers, units};
+    "  qvt units Velocity\n"
+    "  qvt units Inch -f json",
+    Verb::kOptionalName | Verb::kJson | Verb::kAnswers,
+    units};
 
 }  // namespace qvt

@@ -71,6 +71,7 @@ class Careful(ToolTest):
         (self.folder / "bad.qvt").write_bytes(self.before[:4096] + bytes(len(self.before) - 4096))
         run = self.run_tool("repair", "bad.qvt", "good.qvt")
         self.assertEqual(run.status, 4, run.err)
+        self.assertTrue(run.err.endswith("(--salvage looks for records in every page)\n"), run.err)
         self.assertFalse((self.folder / "good.qvt").exists())
 
 

@@ -35,17 +35,10 @@ Status statusOf(Code code) {
     return kFault;
 }
 
-// The words are those of the engine at times, and say nothing of what can be done.
-const char* hintFor(const StoreError& error) {
-    return error.code() == StoreError::Code::damaged
-               ? " (qvt check STORE lists what is damaged, qvt repair STORE NEW saves the rest)"
-               : "";
-}
-
 Failure failureAt(const StoreError& error, const std::string& name, std::string_view words) {
     std::string message = name + ": error: ";
     if (error.offset() != IDataStore::BADOFF) message += "record " + std::to_string(error.offset()) + ": ";
-    return {statusOf(error.code()), message + std::string(words) + hintFor(error)};
+    return {statusOf(error.code()), message + std::string(words)};
 }
 
 // What stands behind the name of a file, or nothing.

@@ -1,8 +1,8 @@
 # bash completion for qvt. The tool itself says what can stand there, so that both always agree.
 _qvt() {
-    local IFS=$'\n' words=("${COMP_WORDS[@]:1:COMP_CWORD}") answer candidate
+    local words=("${COMP_WORDS[@]:1:COMP_CWORD}") answer candidate
     words=("${words[@]/#\~\//$HOME/}")
-    answer=($("${COMP_WORDS[0]}" __complete "${words[@]}" 2>/dev/null))
+    mapfile -t answer < <("${COMP_WORDS[0]}" __complete "${words[@]}" 2>/dev/null)
     COMPREPLY=()
     case ${answer[0]} in
         files) compopt -o default ;;

@@ -4,28 +4,45 @@
 #include <type_traits>
 #include <utility>
 
+#include "norvane/platform/core/storage/datastore/IDataStore.h"
 #include "norvane/platform/data/Names.h"
 #include "records/FirstFailure.h"
 #include "records/Owned.h"
-#include "records/StoreGuard.h"
 
 namespace norvane::platform::data {
 
+// Holds a store's guard until `release`, or until an exception passes: what the guard throws leaves from the
+// one, and is dropped by the other. So it need not ask which of both it is.
+class OperationGuard {
+  public:
+    explicit OperationGuard(IDataStore* store) : guard_(store->lock()) {}
+    OperationGuard(const OperationGuard&) = delete;
+    OperationGuard& operator=(const OperationGuard&) = delete;
+    ~OperationGuard() {
+        if (!guard_) return;
+        try {
+            release();
+        } catch (...) {
+        }
+    }
+
+    void release() { delete std::exchange(guard_, nullptr); }
+
+  private:
+    IDataStore::Guard* guard_;
+};
+
 // Runs an operation under the store's guard. Its result is complete before the guard goes. Releasing a guard
-// may throw; the result is a local here, so that it is released then, which compilers do not do for one that
-// is being returned.
+// may throw; the result is a local here, so that it is released then.
 template <class Operation>
 auto underGuard(IDataStore* store, Operation operation) {
-    using Result = std::invoke_result_t<Operation>;
-    if constexpr (std::is_void_v<Result>) {
-        const StoreGuard guard(store);
+    OperationGuard guard(store);
+    if constexpr (std::is_void_v<std::invoke_result_t<Operation>>) {
         operation();
+        guard.release();
     } else {
-        Result result{};
-        {
-            const StoreGuard guard(store);
-            result = operation();
-        }
+        auto result = operation();
+        guard.release();
         return result;
     }
 }
@@ -40,8 +57,9 @@ class GuardedItem {
     GuardedItem& operator=(const GuardedItem&) = delete;
     ~GuardedItem() noexcept(false) {
         try {
-            const StoreGuard guard(item_->store());
+            OperationGuard guard(item_->store());
             item_.reset();
+            guard.release();
         } catch (...) {
             // Without a guard the store may be in the middle of another thread's change: it is left alone,
             // at the price of an open count that stays raised.

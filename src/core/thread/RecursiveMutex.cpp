@@ -8,11 +8,22 @@
 namespace norvane::platform::core::thread {
 namespace {
 
-// Numbers are never used again, so that a thread that has ended is not taken for another one.
-std::uint64_t thisThread() {
+// Set beside the owner's number while others may wait.
+constexpr std::uint64_t kAwaited = 1;
+
+// Even, so that there is room for the mark. Numbers are never used again, so that a thread that has ended is
+// not taken for another one.
+std::uint64_t newNumber() noexcept {
     static std::atomic<std::uint64_t> last{0};
-    thread_local const std::uint64_t number = ++last;
-    return number;
+    return last += 2;
+}
+
+// Of a library, thread-local data is otherwise looked up by a call. Only little of it may be of this kind.
+[[gnu::tls_model("initial-exec")]] thread_local std::uint64_t threadNumber = 0;
+
+std::uint64_t thisThread() noexcept {
+    if (threadNumber == 0) threadNumber = newNumber();
+    return threadNumber;
 }
 
 [[noreturn]] void wouldDeadlock() {
@@ -32,7 +43,7 @@ class WaitGraph {
 
     void wait(RecursiveMutex& wanted) {
         begin(wanted);
-        wanted.mutex_.lock();
+        wanted.wait(thisThread());
         end();
     }
 
@@ -55,7 +66,7 @@ class WaitGraph {
     bool leadsHere(const RecursiveMutex& wanted) const {
         const RecursiveMutex* current = &wanted;
         for (std::size_t step = 0; step <= wanted_.size(); ++step) {
-            const std::uint64_t owner = current->owner_.load();
+            const std::uint64_t owner = current->owner();
             if (owner == thisThread()) return true;
             const auto next = wanted_.find(owner);
             if (next == wanted_.end()) return false;
@@ -70,24 +81,42 @@ class WaitGraph {
 
 void RecursiveMutex::lock() {
     const std::uint64_t self = thisThread();
-    if (owner_.load(std::memory_order_relaxed) == self) {
+    if (owner() == self) {
         ++depth_;
         return;
     }
-    if (!mutex_.try_lock()) WaitGraph::instance().wait(*this);
-    owner_.store(self,
-                 std::memory_order_relaxed);  // who waits later shows it to the others by the graph's mutex
+    std::uint64_t nobody = 0;
+    if (!owner_.compare_exchange_strong(nobody, self, std::memory_order_acquire, std::memory_order_relaxed))
+        WaitGraph::instance().wait(*this);
     depth_ = 1;
 }
 
 void RecursiveMutex::unlock() noexcept {
     if (--depth_ != 0) return;
-    owner_.store(0, std::memory_order_relaxed);
-    mutex_.unlock();
+    if ((owner_.exchange(0, std::memory_order_release) & kAwaited) != 0) wake();
 }
 
-std::uint32_t RecursiveMutex::depth() const noexcept {
-    return owner_.load(std::memory_order_relaxed) == thisThread() ? depth_ : 0;
+std::uint64_t RecursiveMutex::owner() const noexcept {
+    return owner_.load(std::memory_order_relaxed) & ~kAwaited;
+}
+
+std::uint32_t RecursiveMutex::depth() const noexcept { return owner() == thisThread() ? depth_ : 0; }
+
+// Whoever has waited goes on with the mark, since there may be others: that is one call of `wake` too many
+// for the last one. Who sets it stands under the mutex, and so hears of what happens from then on.
+void RecursiveMutex::wait(std::uint64_t self) {
+    std::unique_lock lock(waiting_);
+    for (std::uint64_t seen = 0; !owner_.compare_exchange_weak(
+             seen, self | kAwaited, std::memory_order_acquire, std::memory_order_relaxed);
+         seen = 0) {
+        if (seen != 0 && owner_.compare_exchange_weak(seen, seen | kAwaited, std::memory_order_relaxed))
+            released_.wait(lock);
+    }
+}
+
+[[gnu::cold]] void RecursiveMutex::wake() noexcept {
+    { const std::lock_guard lock(waiting_); }
+    released_.notify_one();
 }
 
 Mutex::ScopedLock::ScopedLock(Mutex& mutex) : mutex_(mutex.mutex_) {

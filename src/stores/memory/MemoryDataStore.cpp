@@ -14,49 +14,19 @@
 namespace norvane::platform::core::storage::datastore {
 namespace {
 
-// False once the thread has given back what it kept: guards may come and go later still.
-thread_local bool keepsSpare = true;
-
-// Memory of one guard that was deleted, for the thread's next one.
-class SpareGuard {
-  public:
-    SpareGuard() = default;
-    SpareGuard(const SpareGuard&) = delete;
-    SpareGuard& operator=(const SpareGuard&) = delete;
-    ~SpareGuard() {
-        keepsSpare = false;
-        ::operator delete(memory_);
-    }
-
-    void* take(std::size_t size) { return memory_ ? std::exchange(memory_, nullptr) : ::operator new(size); }
-    void put(void* memory) {
-        ::operator delete(memory_);
-        memory_ = memory;
-    }
-
-  private:
-    void* memory_ = nullptr;
-};
-thread_local SpareGuard spareGuard;
-
-// One is made for each operation on the public handles.
+// Stands for all guards of a store, which are taken for each operation on the public handles: deleting it
+// lets go of the mutex once, and leaves it where it is.
 class MemoryGuard final : public IDataStore::Guard {
   public:
-    explicit MemoryGuard(core::thread::RecursiveMutex& mutex) : lock_(mutex) {}
+    explicit MemoryGuard(core::thread::RecursiveMutex& mutex) : mutex_(mutex) {}
     ~MemoryGuard() noexcept override = default;
 
-    static void* operator new(std::size_t size) {
-        return keepsSpare ? spareGuard.take(size) : ::operator new(size);
-    }
-    static void operator delete(void* memory) {
-        if (keepsSpare)
-            spareGuard.put(memory);
-        else
-            ::operator delete(memory);
+    static void operator delete(MemoryGuard* guard, std::destroying_delete_t) noexcept {
+        guard->mutex_.unlock();
     }
 
   private:
-    std::lock_guard<core::thread::RecursiveMutex> lock_;
+    core::thread::RecursiveMutex& mutex_;
 };
 
 // Blocks by offset. The table is the C library's, which moves a large one without copying it.
@@ -139,6 +109,7 @@ struct MemoryDataStore::Contents {
     std::unique_ptr<Companion> companion;
     std::once_flag companionIsMade;
     core::thread::RecursiveMutex mutex;
+    MemoryGuard guard{mutex};
 };
 
 MemoryDataStore::MemoryDataStore() : MemoryDataStore(Options()) {}
@@ -154,7 +125,10 @@ void MemoryDataStore::read(std::uint32_t offset, void* buffer, std::uint32_t siz
     copyBytes(static_cast<std::byte*>(buffer), block->bytes, std::min(size, block->size));
 }
 
-IDataStore::Guard* MemoryDataStore::lock() { return new MemoryGuard(contents_->mutex); }
+IDataStore::Guard* MemoryDataStore::lock() {
+    contents_->mutex.lock();
+    return &contents_->guard;
+}
 
 void MemoryDataStore::flush() {}
 

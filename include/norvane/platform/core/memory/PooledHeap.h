@@ -6,7 +6,8 @@
 
 namespace norvane::platform::core::memory {
 
-/// Blocks for record buffers and for small short-lived objects. Safe from all threads.
+/// Blocks for record buffers and for small short-lived objects. Safe from all threads, which do not wait for
+/// each other here: each keeps some of the small blocks that it gives back, for its own next ones.
 class QVT_CORE_API PooledHeap {
   public:
     /// A block of `size` bytes, aligned for any type; never null. Size 0 gives a block of its own, too.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <atomic>
+#include <condition_variable>
 #include <cstdint>
 #include <mutex>
 
@@ -9,7 +10,7 @@
 namespace norvane::platform::core::thread {
 
 /// Lets one thread at a time pass, as often nested as it likes. It is what the guards of the stores are made
-/// of.
+/// of, so that one that nobody else wants costs little.
 ///
 /// Threads that wait for each other in a ring would wait for ever. The one that closes the ring gets an
 /// exception instead. A ring is found if all its locks are of this class or `Mutex`.
@@ -32,9 +33,14 @@ class QVT_CORE_API RecursiveMutex {
   private:
     friend class WaitGraph;
 
-    std::mutex mutex_;
-    std::atomic<std::uint64_t> owner_{0};  // the number of a thread, 0 for none
+    std::uint64_t owner() const noexcept;
+    void wait(std::uint64_t self);
+    void wake() noexcept;
+
+    std::atomic<std::uint64_t> owner_{0};  // the number of a thread, 0 for none; odd while others may wait
     std::uint32_t depth_ = 0;
+    std::mutex waiting_;
+    std::condition_variable released_;
 };
 
 }  // namespace norvane::platform::core::thread

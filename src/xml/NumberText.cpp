@@ -13,6 +13,8 @@
 #include <string>
 #include <type_traits>
 
+#include "xml/SevenDigits.h"
+
 namespace norvane::platform::data {
 namespace {
 
@@ -123,11 +125,14 @@ T load(const void* value) {
 template <typename T>
 std::size_t print(const void* value, char* text) {
     char* const end = text + kNumberTextSize;
-    if constexpr (std::is_floating_point_v<T>)
+    if constexpr (std::is_floating_point_v<T>) {
+        if (const char* stop = printSevenDigits(load<T>(value), text))
+            return static_cast<std::size_t>(stop - text);
         return static_cast<std::size_t>(
             std::to_chars(text, end, load<T>(value), std::chars_format::general, kFloatPrecision).ptr - text);
-    else
+    } else {
         return static_cast<std::size_t>(std::to_chars(text, end, +load<T>(value)).ptr - text);
+    }
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <cstdint>
 #include <cstring>
 #include <random>
@@ -56,6 +57,17 @@ std::string formatted(const void* value, int index) {
     std::string narrow;
     for (const core::tWChar* unit = text; *unit; ++unit) narrow += static_cast<char>(*unit);
     return narrow;
+}
+
+// A floating point value in the type that an index stands for.
+std::uint64_t bitsOf(double value, int index) {
+    std::uint64_t bits = 0;
+    const auto narrow = static_cast<float>(value);
+    if (index == 9)
+        std::memcpy(&bits, &narrow, sizeof narrow);
+    else
+        std::memcpy(&bits, &value, sizeof value);
+    return bits;
 }
 
 // Tokens of every sort: soups of the characters that mean something, numbers put together from their parts,
@@ -350,13 +362,24 @@ TEST_P(AgainstStreams, EverydayValuesAreWrittenAlike) {
         const auto whole = static_cast<double>(digits(random) % (round % 3 == 0 ? 100000 : 100000000000));
         const double decimals =
             whole / static_cast<double>(1 << (round % 20)) / (round % 2 == 0 ? 1.0 : 100.0);
-        const auto narrow = static_cast<float>(decimals);
-        std::uint64_t bits = 0;
-        if (GetParam() == 9)
-            std::memcpy(&bits, &narrow, sizeof narrow);
-        else
-            std::memcpy(&bits, &decimals, sizeof decimals);
+        const std::uint64_t bits = bitsOf(decimals, GetParam());
         ASSERT_EQ(formatted(&bits, GetParam()), reference::formatNumber(&bits, GetParam())) << decimals;
+    }
+}
+
+// Where the text gets another digit, another exponent or another form, and where the last digit is rounded up
+// or down.
+TEST_P(AgainstStreams, ValuesAroundTheEdgesOfTextsAreWrittenAlike) {
+    for (int exponent = -45; exponent <= 45; ++exponent) {
+        for (const char* digits :
+             {"1", "9.999999", "9.9999995", "9.9999994999", "1.0000005", "1.2345675", "1.2345665", "4.5",
+              "2.000001", "1.999999", "8.88888850000001", "8.88888849999999"}) {
+            double value = std::stod(digits + ("e" + std::to_string(exponent)));
+            for (int step = 0; step < 3; ++step, value = std::nextafter(value, 0.0)) {
+                const std::uint64_t bits = bitsOf(-value, GetParam());
+                ASSERT_EQ(formatted(&bits, GetParam()), reference::formatNumber(&bits, GetParam())) << value;
+            }
+        }
     }
 }
 

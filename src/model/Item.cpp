@@ -7,6 +7,7 @@
 #include <unordered_set>
 
 #include "norvane/platform/core/memory/PooledHeap.h"
+#include "records/FirstFailure.h"
 
 namespace norvane::platform::data::Metadata {
 
@@ -19,19 +20,23 @@ Item::Item() noexcept
       exceptionsAtBirth_(std::uncaught_exceptions()) {}
 
 Item::~Item() noexcept(false) {
-    std::exception_ptr failure;
-    const auto attempt = [&failure](auto&& step) {
-        try {
-            step();
-        } catch (...) {
-            if (!failure) failure = std::current_exception();
-        }
-    };
-    // The strings are stored even when the count could not be lowered: nothing else holds them.
-    attempt([this] { lowerOpenCount(); });
-    attempt([this] { storeLocalised(); });
+    try {
+        if (localised_)
+            closeWithStrings();
+        else
+            lowerOpenCount();
+    } catch (...) {
+        if (std::uncaught_exceptions() <= exceptionsAtBirth_) throw;
+    }
+}
+
+// The strings are stored even when the count could not be lowered: nothing else holds them.
+void Item::closeWithStrings() {
+    FirstFailure failure;
+    failure.attempt([this] { lowerOpenCount(); });
+    failure.attempt([this] { storeLocalised(); });
     dropEntries();
-    if (failure && std::uncaught_exceptions() <= exceptionsAtBirth_) std::rethrow_exception(failure);
+    failure.rethrow();
 }
 
 void* Item::operator new(std::size_t size) { return core::memory::PooledHeap::malloc(size); }
@@ -45,7 +50,7 @@ bool Item::bind(IDataStore* store, std::uint32_t offset, Record::Kind kind, cons
     inert_ = false;
     if (kind != Record::Kind::root) parent_ = record.load(field::parent);
     localeRecord_ = record.load(field::locale);
-    name_ = record.name();
+    name_ = record.nameSection();
     return true;
 }
 
@@ -54,6 +59,13 @@ void Item::bindNew(IDataStore* store, std::uint32_t offset, std::u16string_view 
     offset_ = offset;
     inert_ = false;
     name_ = name;
+}
+
+void Item::raiseOpenCount(const Record::View& record) {
+    const std::uint32_t count = record.load(field::openCount) + 1;
+    if (!store_->patch(offset_, field::openCount.position, &count, sizeof count, false))
+        return raiseOpenCount();
+    counted_ = true;
 }
 
 void Item::raiseOpenCount() {
@@ -84,7 +96,7 @@ std::u16string Item::path() const {
     }
     std::u16string path;
     std::for_each(names.rbegin(), names.rend(), [&path](const auto& name) { path += name + u"."; });
-    return path + name_;
+    return path.append(name());
 }
 
 std::uint8_t Item::flags() const {
@@ -126,7 +138,8 @@ void Item::touch() {
 // entries is the sign of not loaded, so what was taken out in memory down to the last one comes back here.
 bool Item::loadIfStored() {
     if (localeRecord_ == IDataStore::BADOFF) return false;
-    if (!entries_.empty()) return true;
+    if (localised_ && !localised_->entries.empty()) return true;
+    if (!localised_) localised_ = std::make_unique<Localised>();
     try {
         loadLocalised();
     } catch (...) {
@@ -137,28 +150,30 @@ bool Item::loadIfStored() {
 }
 
 LocalisedEntry* Item::entryOf(std::u16string_view locale) const {
-    LocalisedEntry* const* found = localeIndex_.find(locale);
+    LocalisedEntry* const* found = localised_ ? localised_->index.find(locale) : nullptr;
     return found ? *found : nullptr;
 }
 
 void Item::addEntry(std::u16string_view locale, std::u16string_view text) {
-    auto entry = std::make_unique<LocalisedEntry>(LocalisedEntry{
-        std::u16string(locale), std::u16string(text), static_cast<std::uint32_t>(entries_.size())});
-    entries_.push_back(entry.get());
+    auto entry = std::make_unique<LocalisedEntry>(
+        LocalisedEntry{std::u16string(locale), std::u16string(text),
+                       static_cast<std::uint32_t>(localised_->entries.size())});
+    localised_->entries.push_back(entry.get());
     LocalisedEntry* added = entry.release();
-    localeIndex_.insert(added->locale, added);
+    localised_->index.insert(added->locale, added);
 }
 
 void Item::removeEntry(LocalisedEntry* entry) {
-    localeIndex_.erase(entry->locale);
-    entries_.erase(std::find(entries_.begin(), entries_.end(), entry));
+    localised_->index.erase(entry->locale);
+    std::erase(localised_->entries, entry);
     delete entry;
 }
 
 void Item::dropEntries() {
-    localeIndex_.clear();
-    for (LocalisedEntry* entry : entries_) delete entry;
-    entries_.clear();
+    if (!localised_) return;
+    localised_->index.clear();
+    for (LocalisedEntry* entry : localised_->entries) delete entry;
+    localised_->entries.clear();
 }
 
 std::uint64_t Item::setLocalised(const tWChar* text, const tWChar* locale) {
@@ -166,14 +181,15 @@ std::uint64_t Item::setLocalised(const tWChar* text, const tWChar* locale) {
     const std::u16string_view wanted = Record::textOf(locale);
     LocalisedEntry* entry = entryOf(wanted);
     if (!entry && !text) return std::numeric_limits<std::uint64_t>::max();
-    const std::uint64_t index = entry ? entry->index : entries_.size();
+    if (!localised_) localised_ = std::make_unique<Localised>();
+    const std::uint64_t index = entry ? entry->index : localised_->entries.size();
     if (!entry)
         addEntry(wanted, text);
     else if (text)
         entry->text = text;
     else
         removeEntry(entry);
-    dirty_ = true;
+    localised_->isChanged = true;
     return index;
 }
 
@@ -183,15 +199,15 @@ std::int32_t Item::localisedIndex(std::u16string_view locale) {
 }
 
 std::uint32_t Item::localisedCount() {
-    return loadIfStored() ? static_cast<std::uint32_t>(entries_.size()) : 0;
+    return loadIfStored() ? static_cast<std::uint32_t>(localised_->entries.size()) : 0;
 }
 
 std::u16string Item::localeAt(std::uint32_t index) {
-    return loadIfStored() && index < entries_.size() ? entries_[index]->locale : std::u16string();
+    return index < localisedCount() ? localised_->entries[index]->locale : std::u16string();
 }
 
 std::u16string Item::textAt(std::uint32_t index) {
-    return loadIfStored() && index < entries_.size() ? entries_[index]->text : std::u16string();
+    return index < localisedCount() ? localised_->entries[index]->text : std::u16string();
 }
 
 std::u16string Item::localised(std::u16string_view locale) {
@@ -236,9 +252,9 @@ std::uint32_t Item::storedLocaleRecord() const {
 }
 
 void Item::storeLocalised() {
-    if (!dirty_ || entries_.empty() || abandoned_ || !isStored()) return;
+    if (!localised_->isChanged || localised_->entries.empty() || abandoned_ || !isStored()) return;
     std::u16string payload;
-    for (const LocalisedEntry* entry : entries_) {
+    for (const LocalisedEntry* entry : localised_->entries) {
         payload.append(entry->locale).push_back(u'\0');
         payload.append(entry->text).push_back(u'\0');
     }

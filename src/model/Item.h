@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -9,6 +10,7 @@
 #include "records/NameMap.h"
 #include "records/Owned.h"
 #include "records/Records.h"
+#include "records/ShortText.h"
 
 namespace norvane::platform::data::Metadata {
 
@@ -57,7 +59,8 @@ class Item {
     std::uint32_t offset() const { return offset_; }
     // The parent's offset when this object was opened.
     std::uint32_t parent() const { return parent_; }
-    const std::u16string& name() const { return name_; }
+    // A NUL stands behind it.
+    std::u16string_view name() const { return name_.view(); }
     bool isInert() const { return inert_; }
 
     // The dotted path below the root: the parents' names as stored now, this one's as it was at opening. It
@@ -92,10 +95,13 @@ class Item {
   protected:
     Item() noexcept;
 
-    // Takes over what every entity has. False, and inert, unless the record is a whole one of that kind.
+    // Takes over what every entity has, which is looked for where the record is a whole one of that kind.
+    // False, and inert, unless it is.
     bool bind(IDataStore* store, std::uint32_t offset, Record::Kind kind, const Record::View& record);
     void bindNew(IDataStore* store, std::uint32_t offset, std::u16string_view name);
     void raiseOpenCount();
+    // The same with a look at the record already taken.
+    void raiseOpenCount(const Record::View& record);
     // The count in the record, as if this object were in it.
     std::uint32_t openCount() const;
     // False for an inert object, and once the record was removed behind this one.
@@ -103,6 +109,13 @@ class Item {
     std::uint32_t localeRecord() const { return localeRecord_; }
 
   private:
+    // The strings that are in memory.
+    struct Localised {
+        NameMap<LocalisedEntry*> index;
+        std::vector<LocalisedEntry*> entries;
+        bool isChanged = false;
+    };
+
     LocalisedEntry* entryOf(std::u16string_view locale) const;
     bool loadIfStored();
     void loadLocalised();
@@ -110,6 +123,7 @@ class Item {
     void removeEntry(LocalisedEntry* entry);
     void dropEntries();
     void lowerOpenCount();
+    void closeWithStrings();
     void storeLocalised();
     bool isLocale(std::uint32_t offset) const;
     std::uint32_t storedLocaleRecord() const;
@@ -118,11 +132,9 @@ class Item {
     std::uint32_t offset_;
     std::uint32_t parent_;
     std::uint32_t localeRecord_;
-    std::u16string name_;
-    NameMap<LocalisedEntry*> localeIndex_;
-    std::vector<LocalisedEntry*> entries_;
+    Record::ShortText name_;
+    std::unique_ptr<Localised> localised_;  // made on first use: most entities have none
     int exceptionsAtBirth_;
-    bool dirty_ = false;
     bool inert_ = true;
     bool counted_ = false;
     bool abandoned_ = false;

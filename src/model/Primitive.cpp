@@ -18,17 +18,17 @@ constexpr std::uint32_t kStruct = 24;
 }  // namespace
 
 Primitive::Primitive(IDataStore* store, std::uint32_t offset, Metadata::Opening opening) {
-    {
-        const Record::Snapshot record(store, offset);
-        if (!bind(store, offset, Record::Kind::primitive, *record)) return;
-        structTypeName_ = record->text(field::structTypeSize);
-        dataType_ = record->load(field::dataType);
-        valueSize_ = record->section(field::valueSize).size;
-        hasUri_ = (record->load(field::flags) & Record::kHasUri) != 0;
-        if (hasUri_) uriText_ = record->text(field::valueSize);
-        localeText_ = record->text(field::localeTagSize);
-    }
-    if (opening == Metadata::Opening::handle) raiseOpenCount();
+    const Record::Snapshot record(store, offset);
+    if (!bind(store, offset, Record::Kind::primitive, *record)) return;
+    const auto [localeTag, name, structType, value] =
+        record->sections(Record::Kind::primitive, Record::format::primitiveSections);
+    if (structType.size != 0) structTypeName_ = Record::View::textOf(structType);
+    dataType_ = record->load(field::dataType);
+    valueSize_ = value.size;
+    hasUri_ = (record->load(field::flags) & Record::kHasUri) != 0;
+    if (hasUri_) uriText_ = Record::View::textOf(value);
+    if (localeTag.size != 0) localeText_ = Record::View::textOf(localeTag);
+    if (opening == Metadata::Opening::handle) raiseOpenCount(*record);
 }
 
 Primitive::Primitive(IDataStore* store, std::uint32_t dataType, std::u16string_view name)
@@ -138,7 +138,7 @@ bool Primitive::storeInPlace(const void* source, std::uint64_t position, std::ui
     std::uint64_t start = 0;
     {
         const Record::Snapshot record(store(), offset());
-        if (position + size > record->section(field::valueSize).size) return false;
+        if (position + size > record->valueSection().size) return false;
         start = record->sectionPosition(field::valueSize);
     }
     Record::storeBytes(store(), offset(), start + position, source, static_cast<std::uint32_t>(size), true);
@@ -149,7 +149,7 @@ bool Primitive::storeInPlace(const void* source, std::uint64_t position, std::ui
 // zeros. False when the record does not take that.
 bool Primitive::lengthenValue(Record::Primitive& record, std::uint64_t size) const {
     if (!takes(record, field::valueSize, size)) return false;
-    const Record::Section value = record.view().section(field::valueSize);
+    const Record::Section value = record.view().valueSection();
     const std::uint64_t known = count() == 0 ? 0 : valueSize_;
     const std::uint64_t kept = std::min<std::uint64_t>({known, value.size, size});
     record.replaceSection(field::valueSize, value.begin, kept, size - kept);
@@ -183,7 +183,7 @@ class Draft {
 bool Primitive::storeInstead(const void* source, std::uint64_t size) {
     const Record::Snapshot record(store(), offset());
     const std::uint64_t start = record->sectionPosition(field::valueSize);
-    const std::uint64_t there = record->section(field::valueSize).size;
+    const std::uint64_t there = record->valueSection().size;
     const bool isSound = !isInert() && record->isWhole(Record::Kind::primitive);
     if (!isSound || there > size || start + there != record->size()) return false;
     if (start + size > store()->recordLimit()) return false;
@@ -203,7 +203,7 @@ bool Primitive::storeInstead(const void* source, std::uint64_t size) {
 bool Primitive::storeBehind(const void* source, std::uint64_t position, std::uint64_t size) {
     {
         const Record::Snapshot record(store(), offset());
-        const std::uint32_t there = record->section(field::valueSize).size;
+        const std::uint32_t there = record->valueSection().size;
         const bool endsThere = record->sectionPosition(field::valueSize) + there == record->size();
         if (!endsThere || position != there || position != valueSize_ || position == 0) return false;
         if (record->size() + size > store()->recordLimit()) return false;
@@ -227,7 +227,7 @@ bool Primitive::writeValues(const void* source, std::uint32_t start, std::uint32
     const auto* from = static_cast<const std::byte*>(source) + (this->count() == 0 ? position : 0);
     if (std::uint64_t{start} + count <= this->count()) {
         if (storeInPlace(from, position, size)) return true;
-        valueSize_ = Record::Snapshot(store(), offset())->section(field::valueSize).size;
+        valueSize_ = Record::Snapshot(store(), offset())->valueSection().size;
     }
     if (position == 0 && storeInstead(from, size)) return true;
     if (storeBehind(from, position, size)) return true;
@@ -257,7 +257,7 @@ bool Primitive::overlayInPlace(const std::byte* elements, const std::vector<unsi
     std::vector<std::byte> value(count * elementSize());
     {
         const Record::Snapshot record(store(), offset());
-        const Record::Section there = record->section(field::valueSize);
+        const Record::Section there = record->valueSection();
         if (value.size() > there.size) return false;
         std::memcpy(value.data(), there.begin, value.size());
     }
@@ -276,7 +276,7 @@ bool Primitive::overlayValues(const std::byte* elements, const std::vector<unsig
     if (isAll && storeAll(elements, count * element)) return true;
     if (count <= this->count()) {
         if (overlayInPlace(elements, isGiven, count)) return true;
-        valueSize_ = Record::Snapshot(store(), offset())->section(field::valueSize).size;
+        valueSize_ = Record::Snapshot(store(), offset())->valueSection().size;
     }
     Record::Primitive record(store(), offset());
     if (!takes(record, field::valueSize, 0)) return false;
@@ -297,7 +297,7 @@ std::uint32_t Primitive::readValues(void* target, std::uint32_t start, std::uint
     const std::uint64_t element = elementSize();
     if (count == 0 || !target || std::uint64_t{start} + count > this->count()) return 0;
     const Record::Snapshot record(store(), offset());
-    const Record::Section value = record->section(field::valueSize);
+    const Record::Section value = record->valueSection();
     if (element * start + element * count > value.size) return 0;
     std::memcpy(target, value.begin + element * start, element * count);
     return count;

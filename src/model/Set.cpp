@@ -1,10 +1,9 @@
 #include "model/Set.h"
 
-#include <cstring>
-
 #include "model/ChildCache.h"
 #include "model/Open.h"
 #include "model/Subtree.h"
+#include "records/ShortText.h"
 
 namespace norvane::platform::data::Metadata {
 
@@ -21,37 +20,6 @@ bool storeName(Record::Entity& record, std::u16string_view name) {
     record.setField(sizeField, name.data(), size - 2, size * 3 + 2);
     return true;
 }
-
-// A copy of a child's name, which needs no memory of its own where it is short, as nearly all are.
-class ChildName {
-  public:
-    ChildName() = default;
-    ChildName(const ChildName&) = delete;
-    ChildName& operator=(const ChildName&) = delete;
-
-    // The record is one of a kind that can be a child.
-    void take(const Record::View& child) {
-        const Record::U32 sizeField = Record::nameSizeField(static_cast<Record::Kind>(child.kind()));
-        const Record::Section name = child.section(sizeField);
-        const std::size_t units = name.size / 2;
-        if (units > kShort) {
-            long_ = Record::View::textOf(name);
-            text_ = long_;
-            return;
-        }
-        if (units != 0) std::memcpy(short_, name.begin, units * 2);
-        text_ = {short_, units};
-        text_ = text_.substr(0, text_.find(u'\0'));
-    }
-    std::u16string_view text() const { return text_; }
-
-  private:
-    static constexpr std::size_t kShort = 64;
-
-    char16_t short_[kShort];
-    std::u16string long_;
-    std::u16string_view text_;
-};
 
 }  // namespace
 
@@ -73,20 +41,30 @@ void Set::loadChildren() {
 void Set::loadList(const Record::View& list) {
     if (ChildCache* cache = ChildCache::of(store(), list.valueCount()))
         shared_ = cache->snapshot(store(), childrenRecord_);
-    if (shared_) {
+    if (shared_)
         count_ = shared_->size();
-        return;
-    }
-    ChildName name;
-    for (std::uint32_t i = 0; i < list.valueCount(); ++i) {
-        const Record::Snapshot child(store(), list.value(i));
-        if (!Record::isChildKind(child->kind())) continue;
-        name.take(*child);
-        insert(name.text(), list.value(i));
-    }
+    else
+        listed_.take(store(), list);
 }
 
-std::uint32_t Set::lookUp(std::u16string_view name) const {
+// From here on the index answers, and no longer what was listed.
+void Set::settle() {
+    if (listed_.isEmpty()) return;
+    try {
+        listed_.forEach([this](std::u16string_view name, std::uint32_t offset) {
+            if (own_.insert(name, offset)) ++count_;
+        });
+    } catch (...) {
+        own_.clear();
+        count_ = 0;
+        throw;
+    }
+    listed_.clear();
+}
+
+std::uint32_t Set::lookUp(std::u16string_view name) {
+    if (!listed_.isEmpty() && listed_.isFew()) return listed_.find(name);
+    settle();
     const std::uint32_t* found = own_.find(name);
     if (!found && shared_) found = shared_->find(name);
     return found ? *found : std::uint32_t{IDataStore::BADOFF};
@@ -94,6 +72,7 @@ std::uint32_t Set::lookUp(std::u16string_view name) const {
 
 // The first of equal names stays.
 void Set::insert(std::u16string_view name, std::uint32_t offset) {
+    settle();
     if (shared_) {
         if (lookUp(name) != IDataStore::BADOFF) return;
         own_.erase(name);
@@ -102,6 +81,7 @@ void Set::insert(std::u16string_view name, std::uint32_t offset) {
 }
 
 void Set::forget(std::u16string_view name) {
+    settle();
     if (lookUp(name) == IDataStore::BADOFF) return;
     own_.erase(name);
     if (shared_ && shared_->find(name)) own_.insert(name, IDataStore::BADOFF);
@@ -110,6 +90,7 @@ void Set::forget(std::u16string_view name) {
 
 void Set::dropIndex() {
     shared_.reset();
+    listed_.clear();
     own_.clear();
     count_ = 0;
 }
@@ -140,6 +121,8 @@ std::uint32_t Set::childAt(std::uint32_t index) {
 
 std::uint32_t Set::childCount() {
     if (!indexed_) loadChildren();
+    if (!listed_.isEmpty() && listed_.isFew()) return listed_.countNames();
+    settle();
     return count_;
 }
 
@@ -153,15 +136,15 @@ std::vector<std::uint32_t> Set::countedChildren() {
 
 bool Set::addChild(std::uint32_t offset) {
     if (!isStored()) return false;
-    ChildName name;
+    Record::ShortText name;
     {
         const Record::Snapshot child(store(), offset);
         if (!child->isWholeChild()) return false;
-        name.take(*child);
+        name = child->nameSection();
     }
-    if (find(name.text()) != IDataStore::BADOFF) return false;
+    if (find(name.view()) != IDataStore::BADOFF) return false;
     Record::storeField(store(), offset, field::parent, this->offset());
-    if (indexed_) insert(name.text(), offset);
+    if (indexed_) insert(name.view(), offset);
     link(offset);
     return true;
 }
@@ -221,13 +204,13 @@ bool Set::renameChild(std::u16string_view oldName, std::u16string_view newName) 
 
 void Set::importChild(IDataStore* sourceStore, std::uint32_t offset) {
     if (!isStored() || !Record::isChildKind(Record::kindOf(sourceStore, offset))) return;
-    ChildName name;
-    name.take(*Record::Snapshot(sourceStore, offset));
-    if (find(name.text()) != IDataStore::BADOFF) return;
+    Record::ShortText name;
+    name = Record::Snapshot(sourceStore, offset)->nameSection();
+    if (find(name.view()) != IDataStore::BADOFF) return;
     const CloneChanges changes{true, this->offset(), Record::kFixed | Record::kInherited};
     const std::uint32_t copy = cloneSubtree(sourceStore, offset, store(), changes);
     if (copy == IDataStore::BADOFF) return;
-    if (indexed_) insert(name.text(), copy);
+    if (indexed_) insert(name.view(), copy);
     link(copy);
 }
 

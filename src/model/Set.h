@@ -9,6 +9,7 @@
 
 #include "model/ChildIndex.h"
 #include "model/Item.h"
+#include "model/ListedNames.h"
 
 namespace norvane::platform::data::Metadata {
 
@@ -66,15 +67,17 @@ class Set : public Item {
   private:
     void loadChildren();
     void loadList(const Record::View& list);
-    std::uint32_t lookUp(std::u16string_view name) const;
+    void settle();
+    std::uint32_t lookUp(std::u16string_view name);
     void insert(std::u16string_view name, std::uint32_t offset);
     void forget(std::u16string_view name);
     void dropIndex();
     void link(std::uint32_t offset);
     bool adoptList();
 
-    // The children are those of the shared index, if there is one, with what stands in this object's own laid
-    // over it: BADOFF there hides a child.
+    // The children are those that were listed, until an index is made of them, or else those of the shared
+    // index, if there is one; with what stands in this object's own laid over it: BADOFF there hides a child.
+    ListedNames listed_;
     std::shared_ptr<const ChildIndex> shared_;
     ChildIndex own_;
     std::uint32_t count_ = 0;

@@ -1,12 +1,6 @@
 #include "records/View.h"
 
-#include <algorithm>
-
 namespace norvane::platform::data::Record {
-
-bool View::isWhole(Kind kind) const {
-    return this->kind() == static_cast<std::uint8_t>(kind) && size_ >= formatOf(kind).fixedSize;
-}
 
 std::uint64_t View::sectionPosition(U32 sizeField) const {
     const Format* format = formatOf(kind());
@@ -19,29 +13,49 @@ std::uint64_t View::sectionPosition(U32 sizeField) const {
     return size_;
 }
 
-Section View::section(U32 sizeField) const {
-    const std::uint64_t position = sectionPosition(sizeField);
-    if (position >= size_) return {};
-    const auto left = static_cast<std::uint32_t>(size_ - position);
-    return {bytes_ + position, std::min(left, load(sizeField))};
+Section View::section(U32 sizeField) const { return sectionAt(sectionPosition(sizeField), load(sizeField)); }
+
+// A primitive's is the only one that another section stands before.
+Section View::nameSection() const {
+    const std::uint8_t kind = this->kind();
+    if (!isEntity(kind)) return {};
+    std::uint64_t position = formatOf(static_cast<Kind>(kind)).fixedSize;
+    if (kind == static_cast<std::uint8_t>(Kind::primitive)) position += load(field::localeTagSize);
+    return sectionAt(position, load(nameSizeField(static_cast<Kind>(kind))));
+}
+
+namespace {
+
+// Whether one of four code units is NUL.
+bool hasNul(const std::byte* units) {
+    std::uint64_t word;
+    std::memcpy(&word, units, sizeof word);
+    return ((word - 0x0001000100010001u) & ~word & 0x8000800080008000u) != 0;
+}
+
+}  // namespace
+
+std::size_t View::unitsOf(Section section) {
+    const std::size_t units = section.size / 2;
+    std::size_t length = 0;
+    while (length + 4 <= units && !hasNul(section.begin + length * 2)) length += 4;
+    for (char16_t unit; length < units; ++length) {
+        std::memcpy(&unit, section.begin + length * 2, sizeof unit);
+        if (unit == 0) break;
+    }
+    return length;
 }
 
 std::u16string View::textOf(Section section) {
-    std::u16string text(section.size / 2, u'\0');
+    std::u16string text(unitsOf(section), u'\0');
     if (!text.empty()) std::memcpy(text.data(), section.begin, text.size() * 2);
-    text.resize(std::min(text.find(u'\0'), text.size()));
     return text;
 }
 
-std::u16string View::name() const {
-    const std::uint8_t kind = this->kind();
-    return isEntity(kind) ? text(nameSizeField(static_cast<Kind>(kind))) : std::u16string();
-}
+std::u16string View::name() const { return textOf(nameSection()); }
 
 bool View::hasName(std::u16string_view other) const {
-    const std::uint8_t kind = this->kind();
-    if (!isEntity(kind)) return other.empty();
-    const Section name = section(nameSizeField(static_cast<Kind>(kind)));
+    const Section name = nameSection();
     const std::size_t units = name.size / 2;
     if (units < other.size() || other.find(u'\0') != other.npos) return false;
     if (!other.empty() && std::memcmp(name.begin, other.data(), other.size() * 2) != 0) return false;

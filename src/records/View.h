@@ -1,6 +1,8 @@
 // The one checked way to look at the bytes of a record.
 #pragma once
 
+#include <algorithm>
+#include <array>
 #include <bit>
 #include <cstddef>
 #include <cstdint>
@@ -47,7 +49,9 @@ class View {
     std::uint8_t kind() const { return size_ == 0 ? kNoKind : load(field::kind); }
 
     // True when the record is of that kind and has all of its fixed part; only then is it worth opening.
-    bool isWhole(Kind kind) const;
+    bool isWhole(Kind kind) const {
+        return this->kind() == static_cast<std::uint8_t>(kind) && size_ >= formatOf(kind).fixedSize;
+    }
     // The same for whichever kind the record has, if that is one of an entity, or of one that is listed.
     bool isWholeEntity() const { return isEntity(kind()) && isWhole(static_cast<Kind>(kind())); }
     bool isWholeChild() const { return isChildKind(kind()) && isWholeEntity(); }
@@ -57,6 +61,25 @@ class View {
     // Where that section begins, by the size fields alone; may lie past the record's end in a damaged one.
     std::uint64_t sectionPosition(U32 sizeField) const;
 
+    // All sections of a whole record of that kind, in the order of `rows`, which are its format's.
+    template <std::size_t N>
+    std::array<Section, N> sections(Kind kind, const std::array<SectionRow, N>& rows) const {
+        std::array<Section, N> found;
+        std::uint64_t position = formatOf(kind).fixedSize;
+        for (std::size_t i = 0; i < N; ++i) {
+            const auto size = loadAt<std::uint32_t>(rows[i].sizePosition);
+            found[i] = sectionAt(position, size);
+            position += size;
+        }
+        return found;
+    }
+    // The name of an entity, and the value of a primitive; empty for every other record.
+    Section nameSection() const;
+    Section valueSection() const {
+        if (kind() != static_cast<std::uint8_t>(Kind::primitive)) return {};
+        return sections(Kind::primitive, format::primitiveSections).back();
+    }
+
     std::u16string text(U32 sizeField) const { return textOf(section(sizeField)); }
     // The name of an entity; empty for every other record.
     std::u16string name() const;
@@ -64,6 +87,8 @@ class View {
     bool hasName(std::u16string_view other) const;
 
     static std::u16string textOf(Section section);
+    // How many code units of the section its text has.
+    static std::size_t unitsOf(Section section);
 
     // A record of offsets: how many whole values it holds, and value `index`, which must be below that count.
     std::uint32_t valueCount() const { return size_ < kOffsetsHeader ? 0 : (size_ - kOffsetsHeader) / 4; }
@@ -72,6 +97,11 @@ class View {
     }
 
   private:
+    Section sectionAt(std::uint64_t position, std::uint32_t size) const {
+        if (position >= size_) return {};
+        return {bytes_ + position, std::min(static_cast<std::uint32_t>(size_ - position), size)};
+    }
+
     const std::byte* bytes_ = nullptr;
     std::uint32_t size_ = 0;
 };

@@ -2,24 +2,25 @@
 
 #include <algorithm>
 
+#include "model/Container.h"
 #include "model/Open.h"
+#include "model/Primitive.h"
 
 namespace norvane::platform::data {
 namespace {
 
-Owned<Metadata::Item> openEntity(IDataStore* store, std::uint32_t offset) {
-    if (Record::kindOf(store, offset) == static_cast<std::uint8_t>(Record::Kind::root))
-        return makeOwned<Metadata::Root>(store, offset);
-    return Metadata::openItem(store, offset);
+bool isKind(std::uint8_t byte, Record::Kind kind) { return byte == static_cast<std::uint8_t>(kind); }
+
+// Whether an object is written at all: not if it is damaged, or came from a class and was not changed.
+bool isWritten(const Metadata::Item& object) {
+    return !object.isInert() && (object.flags() & Record::kInherited) == 0;
 }
 
-// As many as the index has names: of children that share a name, as many of the last ones in the list are
-// left out.
-std::vector<std::uint32_t> childrenOf(Metadata::Item& object) {
-    auto* set = dynamic_cast<Metadata::Set*>(&object);
-    if (!set) return {};
-    std::vector<std::uint32_t> children = set->children();
-    children.resize(std::min<std::size_t>(children.size(), set->childCount()));
+// As many as there are names: of children that share a name, as many of the last ones in the list are left
+// out.
+std::vector<std::uint32_t> childrenOf(Metadata::Set& set) {
+    std::vector<std::uint32_t> children = set.children();
+    if (!children.empty()) children.resize(std::min<std::size_t>(children.size(), set.childCount()));
     return children;
 }
 
@@ -46,20 +47,38 @@ void DocumentWriter::write(std::uint32_t offset) {
 }
 
 void DocumentWriter::open(std::uint32_t offset) {
-    if (offset == IDataStore::BADOFF) return;
-    if (!met_.insert(offset)) return;
-    Owned<Metadata::Item> object = openEntity(store_, offset);
-    if (!object || object->isInert() || (object->flags() & Record::kInherited) != 0) return;
-    Element* handler = handlers_.of(*object);
+    if (offset == IDataStore::BADOFF || !met_.insert(offset)) return;
+    const std::uint8_t kind = Record::kindOf(store_, offset);
+    if (isKind(kind, Record::Kind::primitive))
+        writePrimitive(offset);
+    else if (Owned<Metadata::Set> set = Metadata::openSet(store_, offset))
+        enter(std::move(set), static_cast<Record::Kind>(kind));
+}
+
+// Nothing stands below it, so that it need not wait for its end.
+void DocumentWriter::writePrimitive(std::uint32_t offset) {
+    Design::Primitive primitive(store_, offset);
+    if (!isWritten(primitive)) return;
+    Element* handler = handlers_.of(Record::Kind::primitive, primitive.dataType());
     if (!handler) return;
-    handler->serialize(*object, serializer_);
-    levels_.push_back({object.get(), childrenOf(*object), 0});
-    object.release();
+    handler->serialize(primitive, serializer_);
+    serializer_.endElement(false);
+}
+
+void DocumentWriter::enter(Owned<Metadata::Set> set, Record::Kind kind) {
+    if (!isWritten(*set)) return;
+    const bool isContainer = kind == Record::Kind::container;
+    Element* handler =
+        handlers_.of(kind, isContainer ? static_cast<const Structural::Container&>(*set).kind() : 0);
+    if (!handler) return;
+    handler->serialize(*set, serializer_);
+    levels_.push_back({set.get(), childrenOf(*set), 0});
+    set.release();
 }
 
 void DocumentWriter::close() {
     serializer_.endElement(false);
-    const Owned<Metadata::Item> closing(levels_.back().object);
+    const Owned<Metadata::Set> closing(levels_.back().object);
     levels_.pop_back();
 }
 

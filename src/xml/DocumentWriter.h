@@ -29,12 +29,14 @@ class DocumentWriter {
 
   private:
     struct Level {
-        Metadata::Item* object;  // owned; an `Owned` may throw when it goes, which a vector cannot have
+        Metadata::Set* object;  // owned; an `Owned` may throw when it goes, which a vector cannot have
         std::vector<std::uint32_t> children;
         std::size_t next;
     };
 
     void open(std::uint32_t offset);
+    void writePrimitive(std::uint32_t offset);
+    void enter(Owned<Metadata::Set> set, Record::Kind kind);
     void close();
 
     IDataStore* store_;

@@ -92,19 +92,15 @@ Owned<Metadata::Item> addOrOverride(Metadata::Item& parent, Owned<Metadata::Item
     return std::move(child);
 }
 
-void writeAttribute(XMLSerializer& serializer, const tWChar* name, const std::u16string& value) {
-    serializer.addAttribute(name, value.c_str(), nullptr);
-}
-
-void writeAttribute(XMLSerializer& serializer, const tWChar* name, const char* value) {
-    writeAttribute(serializer, name, value ? decode(value) : std::u16string());
+void writeWord(XMLSerializer& serializer, std::string_view name, const char* word) {
+    serializer.addPlainAttribute(name, word ? word : "");
 }
 
 std::uint32_t writeDisplayNames(Metadata::Item& object, XMLSerializer& serializer) {
     const std::uint32_t count = object.localisedCount();
     for (std::uint32_t i = 0; i < count; ++i) {
-        serializer.startElement(u"name", nullptr);
-        writeAttribute(serializer, u"locale", object.localeAt(i));
+        serializer.startPlainElement("name");
+        serializer.addTextAttribute("locale", object.localeAt(i));
         serializer.addCharacterData(object.textAt(i).c_str());
         serializer.endElement(false);
     }

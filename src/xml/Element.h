@@ -82,10 +82,8 @@ Owned<Metadata::Item> addTo(Metadata::Item& parent, Owned<Metadata::Item>& child
 // The same for a property, which overrides one that is there with the same name and the same type or class.
 Owned<Metadata::Item> addOrOverride(Metadata::Item& parent, Owned<Metadata::Item>& child);
 
-// A null text is written as an empty attribute, and so is one that is empty here.
-void writeAttribute(XMLSerializer& serializer, const tWChar* name, const std::u16string& value);
-// ASCII; may be null.
-void writeAttribute(XMLSerializer& serializer, const tWChar* name, const char* value);
+// ASCII that needs no escape, as all words of our own are; a null text is written as an empty one.
+void writeWord(XMLSerializer& serializer, std::string_view name, const char* word);
 
 // Gives their number.
 std::uint32_t writeDisplayNames(Metadata::Item& object, XMLSerializer& serializer);

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "model/Container.h"
 #include "xml/XMLContainer.h"
 #include "xml/XMLPrimitive.h"
 #include "xml/XMLRoot.h"
@@ -25,15 +24,6 @@ std::unique_ptr<Element> makeHandler(const tKeyword& keyword, IDataStore* store,
     }
 }
 
-const tKeyword* keywordFor(const Metadata::Item& object) {
-    if (const auto* primitive = dynamic_cast<const Design::Primitive*>(&object))
-        return keywordOf(Record::Kind::primitive, primitive->dataType());
-    if (const auto* container = dynamic_cast<const Structural::Container*>(&object))
-        return keywordOf(Record::Kind::container, container->kind());
-    const bool isTable = dynamic_cast<const Design::Table*>(&object) != nullptr;
-    return keywordOf(isTable ? Record::Kind::table : Record::Kind::root, 0);
-}
-
 }  // namespace
 
 KeywordTable::KeywordTable(IDataStore* store, metadata::ISchemaLocator* locator) {
@@ -42,8 +32,6 @@ KeywordTable::KeywordTable(IDataStore* store, metadata::ISchemaLocator* locator)
 }
 
 Element* KeywordTable::find(std::string_view name) const { return at(keywordOf(name)); }
-
-Element* KeywordTable::of(const Metadata::Item& object) const { return at(keywordFor(object)); }
 
 bool KeywordTable::serves(std::uint8_t kind) {
     return std::any_of(kKeywords.begin(), kKeywords.end(), [kind](const tKeyword& keyword) {

@@ -20,8 +20,8 @@ class KeywordTable {
 
     // By a name in lower case; null for one that is no keyword.
     Element* find(std::string_view name) const;
-    // The one that writes such an object; null when there is no element for its kind or type.
-    Element* of(const Metadata::Item& object) const;
+    // The one that writes an object of that kind and type; null when there is no element for them.
+    Element* of(Record::Kind kind, std::uint32_t detail) const { return at(keywordOf(kind, detail)); }
     // Whether records with that first byte have an element.
     static bool serves(std::uint8_t kind);
 

@@ -5,7 +5,6 @@
 #include <cstdint>
 #include <string_view>
 
-#include "norvane/platform/core/Types.h"
 #include "norvane/platform/data/metadata/tDataType.h"
 #include "norvane/platform/data/structure/ContainerKind.h"
 #include "records/Fields.h"
@@ -15,14 +14,13 @@ namespace norvane::platform::data {
 // An element name and the record that it makes. `detail` is the container kind or the data type.
 struct tKeyword {
     const char* name;
-    const core::tWChar* wideName;
     Record::Kind kind;
     std::uint32_t detail;
 };
 
 // Root, table, the containers by kind, then the value elements by data type from 1 on.
 #define QVT_KEYWORD(name, kind, detail) \
-    tKeyword { name, u"" name, Record::Kind::kind, detail }
+    tKeyword { name, Record::Kind::kind, detail }
 inline constexpr std::array<tKeyword, 29> kKeywords{
     QVT_KEYWORD("root", root, 0),
     QVT_KEYWORD("table", table, 0),

@@ -2,9 +2,9 @@
 
 #include <cstddef>
 #include <cstring>
+#include <memory>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "norvane/platform/core/string/StringAlgorithm.h"
 #include "norvane/platform/data/metadata/IStructLayout.h"
@@ -18,22 +18,68 @@ namespace {
 using core::string::StringAlgorithm;
 using metadata::IStructLayout;
 
+// Room for bytes that need none of their own where they are few, as they nearly always are.
+class Scratch {
+  public:
+    explicit Scratch(std::uint64_t size) : large_(size <= sizeof few_ ? nullptr : new std::byte[size]) {}
+
+    std::byte* bytes() { return large_ ? large_.get() : few_; }
+    const std::byte* bytes() const { return large_ ? large_.get() : few_; }
+
+  private:
+    alignas(std::max_align_t) std::byte few_[256];
+    std::unique_ptr<std::byte[]> large_;
+};
+
 // A value read for writing, with zero bytes behind it. Its size is that of the record; bytes that make no
-// whole element stay zero.
-struct Value {
-    explicit Value(const Design::Primitive& primitive) : count(primitive.count()) {
-        if (count == 0 || primitive.store()->recordSize(primitive.offset()) < primitive.valueSize()) {
-            count = 0;
-            return;
-        }
-        size = primitive.valueSize();
-        bytes.resize(std::uint64_t{size} + kWidestNumber);
-        count = primitive.readValues(bytes.data(), 0, count);
+// whole element are zero.
+class Value {
+  public:
+    explicit Value(const Design::Primitive& primitive)
+        : size(sizeOf(primitive)), scratch_(std::uint64_t{size} + kWidestNumber) {
+        if (size != 0) count = primitive.readValues(scratch_.bytes(), 0, primitive.count());
+        const std::size_t filled = std::size_t{count} * primitive.elementSize();
+        std::memset(scratch_.bytes() + filled, 0, std::size_t{size} + kWidestNumber - filled);
     }
 
-    std::uint32_t count;
-    std::uint32_t size = 0;
-    std::vector<std::byte> bytes;
+    const std::byte* bytes() const { return scratch_.bytes(); }
+    std::u16string_view units() const { return {reinterpret_cast<const char16_t*>(bytes()), count}; }
+
+    std::uint32_t count = 0;
+    const std::uint32_t size;
+
+  private:
+    // 0 for one without elements, and for one that is longer than the whole record by now.
+    static std::uint32_t sizeOf(const Design::Primitive& primitive) {
+        const bool isThere = primitive.count() != 0 &&
+                             primitive.store()->recordSize(primitive.offset()) >= primitive.valueSize();
+        return isThere ? primitive.valueSize() : 0;
+    }
+
+    Scratch scratch_;
+};
+
+// Numbers on their way to the serializer, many at a time.
+class NumberRun {
+  public:
+    NumberRun(XMLSerializer& serializer, std::uint32_t type)
+        : serializer_(serializer), index_(numberIndex(type)) {}
+
+    void add(const std::byte* number) {
+        if (sizeof text_ - length_ < kNumberTextSize) flush();
+        length_ += formatNumber(number, text_ + length_, index_);
+    }
+    void addBlank() { text_[length_++] = ' '; }
+    void flush() {
+        serializer_.addPlainText({text_, length_});
+        length_ = 0;
+    }
+
+  private:
+    XMLSerializer& serializer_;
+    int index_;
+    std::size_t length_ = 0;
+    char text_[2048];
 };
 
 // Writes the text of one value.
@@ -42,8 +88,8 @@ class TextWriter {
     TextWriter(XMLSerializer& serializer, bool hasNames) : serializer_(serializer), hasNames_(hasNames) {}
 
     void binary(const Value& value) {
-        std::string text(StringAlgorithm::EncodeBase64(value.bytes.data(), value.count, nullptr, 0), '\0');
-        StringAlgorithm::EncodeBase64(value.bytes.data(), value.count, text.data(), text.size());
+        std::string text(StringAlgorithm::EncodeBase64(value.bytes(), value.count, nullptr, 0), '\0');
+        StringAlgorithm::EncodeBase64(value.bytes(), value.count, text.data(), text.size());
         openVal(hasNames_);
         serializer_.addPlainText(text);
         closeVal(hasNames_);
@@ -51,8 +97,7 @@ class TextWriter {
 
     // One string, or one `val` for each. What no NUL ends is not written.
     void strings(const Value& value) {
-        std::u16string units(value.count, u'\0');
-        std::memcpy(units.data(), value.bytes.data(), units.size() * 2);
+        const std::u16string_view units = value.units();
         const bool isOne = units.find(u'\0') == units.size() - 1;
         for (std::u16string_view left = units; left.find(u'\0') != left.npos;) {
             const std::size_t end = left.find(u'\0');
@@ -66,10 +111,12 @@ class TextWriter {
     void numbers(const Value& value, std::uint32_t type) {
         openVal(hasNames_);
         const std::size_t step = value.size / value.count;
+        NumberRun run(serializer_, type);
         for (std::size_t i = 0; i < value.count; ++i) {
-            if (i != 0) serializer_.addPlainText(" ");
-            number(&value.bytes[i * step], type);
+            if (i != 0) run.addBlank();
+            run.add(value.bytes() + i * step);
         }
+        run.flush();
         closeVal(hasNames_);
     }
 
@@ -78,7 +125,7 @@ class TextWriter {
         const SharedPtr<metadata::ISchema> schema = locate(locator, type);
         IStructLayout* layout = schema ? schema->layout() : nullptr;
         if (layout && layout->byteSize() != 0) {
-            const std::byte* at = value.bytes.data();
+            const std::byte* at = value.bytes();
             for (std::uint32_t left = value.size / layout->byteSize(); left != 0; --left)
                 at = oneStruct(value, at, *layout);
         }
@@ -93,7 +140,7 @@ class TextWriter {
         for (std::uint32_t index = 0; index < fieldCount; ++index) {
             const IStructLayout::tField& field = *layout.field(index);
             for (std::uint32_t i = 0; i < field.count; ++i, at += field.size / field.count) {
-                if (at != value.bytes.data()) serializer_.addPlainText(" ");
+                if (at != value.bytes()) serializer_.addPlainText(" ");
                 if (isNumeric(field.type)) print(at, field.type);
                 serializer_.addPlainText({text_, length_});  // a text repeats the number before it
             }
@@ -101,17 +148,12 @@ class TextWriter {
         return at;
     }
 
-    void number(const std::byte* element, std::uint32_t type) {
-        print(element, type);
-        serializer_.addPlainText({text_, length_});
-    }
-
     void print(const std::byte* element, std::uint32_t type) {
         length_ = formatNumber(element, text_, numberIndex(type));
     }
 
     void openVal(bool isNeeded) {
-        if (isNeeded) serializer_.startElement(u"val", nullptr);
+        if (isNeeded) serializer_.startPlainElement("val");
     }
     void closeVal(bool isNeeded) {
         if (isNeeded) serializer_.endElement(false);

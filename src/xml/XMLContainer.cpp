@@ -30,10 +30,10 @@ Owned<Metadata::Item> XMLContainer::nest(Metadata::Item& parent, Owned<Metadata:
 
 void XMLContainer::serialize(Metadata::Item& object, XMLSerializer& serializer) {
     const auto& container = static_cast<const Structural::Container&>(object);
-    serializer.startElement(keyword().wideName, nullptr);
-    writeAttribute(serializer, u"name", container.name());
-    writeAttribute(serializer, u"class", container.classText());
-    if (container.kind() == structure::kLink) writeAttribute(serializer, u"to", container.linkTarget());
+    serializer.startPlainElement(keyword().name);
+    serializer.addTextAttribute("name", container.name());
+    serializer.addTextAttribute("class", container.classText());
+    if (container.kind() == structure::kLink) serializer.addTextAttribute("to", container.linkTarget());
     writeDisplayNames(object, serializer);
 }
 

@@ -87,13 +87,12 @@ void XMLPrimitive::endContent(Metadata::Item& object, const std::string& text) {
 
 void XMLPrimitive::serialize(Metadata::Item& object, XMLSerializer& serializer) {
     const auto& primitive = static_cast<const Design::Primitive&>(object);
-    serializer.startElement(keyword().wideName, nullptr);
-    writeAttribute(serializer, u"name", primitive.name());
-    if (const std::uint32_t units = primitive.units())
-        writeAttribute(serializer, u"units", unitNameOf(units));
-    if (!primitive.localeTag().empty()) writeAttribute(serializer, u"locale", primitive.localeTag());
-    if (isStruct()) writeAttribute(serializer, u"type", primitive.structType());
-    if (primitive.hasUri()) writeAttribute(serializer, u"uri", primitive.uri());
+    serializer.startPlainElement(keyword().name);
+    serializer.addTextAttribute("name", primitive.name());
+    if (const std::uint32_t units = primitive.units()) writeWord(serializer, "units", unitNameOf(units));
+    if (!primitive.localeTag().empty()) serializer.addTextAttribute("locale", primitive.localeTag());
+    if (isStruct()) serializer.addTextAttribute("type", primitive.structType());
+    if (primitive.hasUri()) serializer.addTextAttribute("uri", primitive.uri());
     const bool hasNames = writeDisplayNames(object, serializer) != 0;
     writeValue(primitive, serializer, hasNames, locator_);
 }

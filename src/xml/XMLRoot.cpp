@@ -25,11 +25,11 @@ Owned<Metadata::Item> XMLRoot::nest(Metadata::Item& parent, Owned<Metadata::Item
 
 void XMLRoot::serialize(Metadata::Item& object, XMLSerializer& serializer) {
     const std::uint32_t version = store_->version();
-    tWChar text[kNumberTextSize];
-    formatNumber(&version, text, numberIndex(metadata::kUint32));
-    serializer.startElement(keyword().wideName, nullptr);
-    serializer.addAttribute(u"version", text, nullptr);
-    writeAttribute(serializer, u"name", object.name());
+    char text[kNumberTextSize];
+    const std::size_t length = formatNumber(&version, text, numberIndex(metadata::kUint32));
+    serializer.startPlainElement(keyword().name);
+    serializer.addPlainAttribute("version", {text, length});
+    serializer.addTextAttribute("name", object.name());
     writeDisplayNames(object, serializer);
 }
 

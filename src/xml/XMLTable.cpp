@@ -54,14 +54,13 @@ bool XMLTable::startDefault(Attributes attributes) {
 
 void XMLTable::serialize(Metadata::Item& object, XMLSerializer& serializer) {
     const auto& table = static_cast<const Design::Table&>(object);
-    serializer.startElement(keyword().wideName, nullptr);
-    writeAttribute(serializer, u"name", table.name());
-    writeAttribute(serializer, u"class", table.classText());
+    serializer.startPlainElement(keyword().name);
+    serializer.addTextAttribute("name", table.name());
+    serializer.addTextAttribute("class", table.classText());
     for (const std::int32_t key : table.defaultKeys()) {
-        serializer.startElement(u"default", nullptr);
-        writeAttribute(serializer, u"unit", unitNameOf(table.defaultUnit(key)));
-        if (const char* type = defaultTypeNameOf(table.defaultType(key)))
-            writeAttribute(serializer, u"type", type);
+        serializer.startPlainElement("default");
+        writeWord(serializer, "unit", unitNameOf(table.defaultUnit(key)));
+        if (const char* type = defaultTypeNameOf(table.defaultType(key))) writeWord(serializer, "type", type);
         serializer.endElement(false);
     }
     writeDisplayNames(object, serializer);

@@ -30,6 +30,15 @@ class Output {
     }
 
     void put(std::string_view bytes) {
+        if (bytes.size() <= buffer_.size() - used_) {
+            std::memcpy(buffer_.data() + used_, bytes.data(), bytes.size());
+            used_ += bytes.size();
+        } else {
+            putPieces(bytes);
+        }
+    }
+
+    void putPieces(std::string_view bytes) {
         while (bytes.size() > buffer_.size() - used_) {
             const std::size_t count = bytes.copy(buffer_.data() + used_, buffer_.size() - used_);
             used_ += count;
@@ -38,6 +47,8 @@ class Output {
         }
         used_ += bytes.copy(buffer_.data() + used_, bytes.size());
     }
+
+    void put(char byte) { *room(1) = byte, ++used_; }
 
     void putEscaped(std::u16string_view text, Context context) {
         constexpr std::size_t kStep = 1024;
@@ -106,14 +117,14 @@ struct XMLSerializer::State {
     void putLoneHalf() { output.taken(putReplacement(output.room(3))); }
 
     void endTag() {
-        if (std::exchange(tagIsOpen, false)) output.put(">");
+        if (std::exchange(tagIsOpen, false)) output.put('>');
     }
 
     void newLine(std::size_t depth) {
         static constexpr std::string_view kBlanks =
             "                                                                                ";
         static_assert(kBlanks.size() == 2 * kDeepestIndent);
-        output.put("\n");
+        output.put('\n');
         output.put(kBlanks.substr(0, 2 * std::min(depth, kDeepestIndent)));
     }
 
@@ -142,7 +153,9 @@ struct XMLSerializer::State {
         if (!levels.empty()) levels.back().hasText = true;
     }
 
-    void openElement(std::u16string_view name) {
+    // `addName` adds the name to those of the open elements.
+    template <class AddName>
+    void openElement(AddName addName) {
         endRun();
         endTag();
         if (!levels.empty() && !levels.back().hasText) {
@@ -150,11 +163,19 @@ struct XMLSerializer::State {
             newLine(levels.size());
         }
         const std::size_t before = names.size();
-        StringAlgorithm::UTF8Encode(name, names);
+        addName(names);
         levels.push_back({static_cast<std::uint32_t>(names.size() - before)});
-        output.put("<");
+        output.put('<');
         output.put(std::string_view(names).substr(before));
         tagIsOpen = true;
+    }
+
+    void putAttribute(std::string_view name, std::u16string_view value) {
+        output.put(' ');
+        output.put(name);
+        output.put("=\"");
+        output.putEscaped(value, Context::attribute);
+        output.put('"');
     }
 
     void closeElement() {
@@ -168,10 +189,10 @@ struct XMLSerializer::State {
             if (level.hasElements && !level.hasText) newLine(levels.size());
             output.put("</");
             output.put(std::string_view(names).substr(before));
-            output.put(">");
+            output.put('>');
         }
         names.resize(before);
-        if (levels.empty()) output.put("\n");
+        if (levels.empty()) output.put('\n');
     }
 };
 
@@ -192,7 +213,13 @@ void XMLSerializer::detach() {
 
 void XMLSerializer::emitXMLHeader() { state_->output.put("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"); }
 
-void XMLSerializer::startElement(const tWChar* name, const tWChar*) { state_->openElement(textOf(name)); }
+void XMLSerializer::startElement(const tWChar* name, const tWChar*) {
+    state_->openElement([name](std::string& names) { StringAlgorithm::UTF8Encode(textOf(name), names); });
+}
+
+void XMLSerializer::startPlainElement(std::string_view name) {
+    state_->openElement([name](std::string& names) { names.append(name); });
+}
 
 void XMLSerializer::addAttribute(const tWChar* name, const tWChar* value, const tWChar*) {
     if (!state_->tagIsOpen) return;
@@ -202,6 +229,20 @@ void XMLSerializer::addAttribute(const tWChar* name, const tWChar* value, const 
     output.put("=\"");
     output.putEscaped(textOf(value), Context::attribute);
     output.put("\"");
+}
+
+void XMLSerializer::addTextAttribute(std::string_view name, std::u16string_view value) {
+    if (state_->tagIsOpen) state_->putAttribute(name, value);
+}
+
+void XMLSerializer::addPlainAttribute(std::string_view name, std::string_view value) {
+    if (!state_->tagIsOpen) return;
+    Output& output = state_->output;
+    output.put(' ');
+    output.put(name);
+    output.put("=\"");
+    output.put(value);
+    output.put('"');
 }
 
 void XMLSerializer::addCharacterData(const tWChar* text) { state_->characterData(textOf(text)); }

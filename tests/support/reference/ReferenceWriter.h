@@ -67,8 +67,9 @@ class ReferenceWriter {
         return result;
     }
     void start(const std::string& name) { out_.startElement(wide(name).c_str(), nullptr); }
-    void attribute(const std::string& name, const std::u16string& text) {
-        out_.addAttribute(wide(name).c_str(), text.empty() ? nullptr : text.c_str(), nullptr);
+    void attribute(const std::string& name, std::u16string_view text) {
+        const std::u16string terminated(text);
+        out_.addAttribute(wide(name).c_str(), text.empty() ? nullptr : terminated.c_str(), nullptr);
     }
     void attribute(const std::string& name, const std::string& text) { attribute(name, wide(text)); }
 

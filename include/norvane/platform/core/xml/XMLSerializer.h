@@ -47,6 +47,11 @@ class QVT_CORE_API XMLSerializer {
     void startElement(const tWChar* name, const tWChar* unused);
     /// Adds to the element just opened; ignored once it has content. A null value is written as an empty one.
     void addAttribute(const tWChar* name, const tWChar* value, const tWChar* unused);
+    /// For those who know that names are ASCII characters without "&", "<", ">" and quotation marks, which
+    /// are not looked at then; nor are plain values.
+    void startPlainElement(std::string_view name);
+    void addTextAttribute(std::string_view name, std::u16string_view value);
+    void addPlainAttribute(std::string_view name, std::string_view value);
     /// Several calls in a row make one run of text. Null is the empty text.
     void addCharacterData(const tWChar* text);
     /// The same with `length` code units.

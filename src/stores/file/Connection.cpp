@@ -45,6 +45,7 @@ Connection::Statements::Statements(Database& database)
       eraseParts(database, "DELETE FROM part WHERE id BETWEEN ? AND ?", Doing::writing),
       anyParts(database, "SELECT 1 FROM part LIMIT 1", Doing::reading),
       live(database, "SELECT crc, bits FROM live WHERE block = ?", Doing::reading),
+      lives(database, "SELECT block, crc, bits FROM live WHERE block BETWEEN ? AND ?", Doing::reading),
       putLive(database, "REPLACE INTO live(block, crc, bits) VALUES(?, ?, ?)", Doing::writing),
       pageCount(database, "PRAGMA page_count", Doing::reading),
       pageSize(database, "PRAGMA page_size", Doing::reading) {}
@@ -242,14 +243,19 @@ LiveBits Connection::liveBits(std::uint32_t block) {
     const Rows atEnd(row);
     const std::uint32_t first = block * kBlockSize;
     if (!row.bind(1, block).step()) failDamaged("a part of the directory is missing", first);
-    const std::span<const std::byte> bytes = row.bytes(1);
-    const bool isSized = bytes.empty() || bytes.size() == kBlockBytes;
-    if (!isSized || row.type(1) != SQLITE_BLOB || row.type(0) != SQLITE_INTEGER ||
-        row.number(0) != checksumOfBlock(block, bytes))
-        failDamaged("a part of the directory has a wrong checksum", first);
     LiveBits bits{};
-    std::copy(bytes.begin(), bytes.end(), bits.begin());
+    if (!readBits(row, 0, block, bits)) failDamaged("a part of the directory has a wrong checksum", first);
     return bits;
+}
+
+bool Connection::readBits(const Statement& row, int column, std::uint32_t block, LiveBits& bits) {
+    const std::span<const std::byte> bytes = row.bytes(column + 1);
+    const bool isSized = bytes.empty() || bytes.size() == kBlockBytes;
+    if (!isSized || row.type(column + 1) != SQLITE_BLOB || row.type(column) != SQLITE_INTEGER ||
+        row.number(column) != checksumOfBlock(block, bytes))
+        return false;
+    std::copy(bytes.begin(), bytes.end(), bits.begin());
+    return true;
 }
 
 // A block without live records takes next to no room.

@@ -60,6 +60,19 @@ class Connection {
 
     // Throws `damaged` if there is no sound row for the block.
     LiveBits liveBits(std::uint32_t block);
+    // Goes through the rows for these blocks, and leaves out those that are not sound.
+    template <class Visit>
+    void forEachSoundBlock(std::uint32_t first, std::uint32_t last, Visit visit) {
+        Statement& row = statements_.lives;
+        const Rows atEnd(row);
+        row.bind(1, first).bind(2, last);
+        while (row.step()) {
+            const std::int64_t block = row.number(0);
+            LiveBits bits{};
+            if (block >= first && block <= last && readBits(row, 1, static_cast<std::uint32_t>(block), bits))
+                visit(static_cast<std::uint32_t>(block), bits);
+        }
+    }
     void putLiveBits(std::uint32_t block, const LiveBits& bits);
 
   private:
@@ -70,6 +83,8 @@ class Connection {
     void put(Statement& row, std::uint32_t offset, std::span<const std::byte> bytes, std::uint32_t partSize);
     void putParts(std::uint32_t offset, std::span<const std::byte> bytes, std::uint32_t each);
     void requireRow(std::uint32_t offset);
+    // False if the checksum in that column and the bits behind it are not those of the block.
+    static bool readBits(const Statement& row, int column, std::uint32_t block, LiveBits& bits);
     std::uint32_t sizeOfParts(std::uint32_t offset);
     [[noreturn]] void failDamaged(const char* words, std::uint32_t offset) const;
 
@@ -82,7 +97,7 @@ class Connection {
         Statement meta, putMeta;
         Statement record, addRecord, addRecords, changeRecord, eraseRecord;
         Statement parts, putPart, eraseParts, anyParts;
-        Statement live, putLive;
+        Statement live, lives, putLive;
         Statement pageCount, pageSize;
     };
 

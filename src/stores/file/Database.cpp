@@ -66,10 +66,12 @@ void Database::setUp(Doing doing) {
     sqlite3_limit(db_, SQLITE_LIMIT_EXPR_DEPTH, 20);
     sqlite3_limit(db_, SQLITE_LIMIT_TRIGGER_DEPTH, 1);
     waitFor(kShortWait);
-    run("PRAGMA temp_store=MEMORY; PRAGMA cache_size=-200; PRAGMA cell_size_check=ON; PRAGMA mmap_size=0;"
-        "PRAGMA synchronous=FULL; PRAGMA wal_autocheckpoint=0; PRAGMA secure_delete=ON",
+    run("PRAGMA cache_size=-200; PRAGMA cell_size_check=ON; PRAGMA mmap_size=0; PRAGMA synchronous=FULL",
         doing);
-    if (doing == Doing::reading) run("PRAGMA query_only=ON", doing);
+    sqlite3_wal_autocheckpoint(db_, 0);
+    run(doing == Doing::reading ? "PRAGMA query_only=ON"
+                                : "PRAGMA temp_store=MEMORY; PRAGMA secure_delete=ON",
+        doing);
 }
 
 // Should that fail, it keeps to what it has.

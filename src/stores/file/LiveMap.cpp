@@ -20,11 +20,24 @@ LiveBits& LiveMap::cached(Connection& connection, std::uint32_t block) {
     if (found == cache_.end()) {
         const LiveBits bits = connection.liveBits(block);
         if (cache_.size() >= kMostCached) clear();
+        const bool isOnTheWay = block - lastMissed_ <= kAhead;
+        lastMissed_ = block;
+        if (isOnTheWay) readAhead(connection, block + 1);
         found = cache_.emplace(block, bits).first;
     }
     last_ = &found->second;
     lastBlock_ = block;
     return *last_;
+}
+
+// Whoever goes through a file asks for one after the other. What cannot be read is told when it is asked for.
+void LiveMap::readAhead(Connection& connection, std::uint32_t first) try {
+    lastMissed_ = first + kAhead - 1;
+    connection.forEachSoundBlock(first, first + kAhead - 1, [&](std::uint32_t block, const LiveBits& bits) {
+        cache_.emplace(block, bits);
+    });
+} catch (const StoreError&) {
+    lastMissed_ = first;
 }
 
 bool LiveMap::set(Connection& connection, std::uint32_t offset, bool isLive, std::uint64_t blocks) {

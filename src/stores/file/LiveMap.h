@@ -33,11 +33,15 @@ class LiveMap {
     std::pair<const std::uint32_t, LiveBits>& stage(Connection& connection, std::uint32_t block,
                                                     std::uint64_t blocks);
 
+    void readAhead(Connection& connection, std::uint32_t first);
+
     static constexpr std::size_t kMostCached = 2048;
+    static constexpr std::uint32_t kAhead = 16;
 
     std::unordered_map<std::uint32_t, LiveBits> cache_;
     std::map<std::uint32_t, LiveBits> staged_;
     std::pair<const std::uint32_t, LiveBits>* lastStaged_ = nullptr;  // most often changed again
+    std::uint32_t lastMissed_ = 0xFFFFFF00u;                          // far from every block
     LiveBits* last_ = nullptr;  // the block that was asked for last, most often asked for again
     std::uint32_t lastBlock_ = 0;
 };

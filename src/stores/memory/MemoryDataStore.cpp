@@ -44,6 +44,9 @@ class Slots {
         return offset < count_ && table_[offset].bytes ? &table_[offset] : nullptr;
     }
 
+    // The slot of an offset below the count.
+    const Block& operator[](std::uint32_t offset) const { return table_[offset]; }
+
     // Makes room for one more slot, so that `add` cannot fail.
     void prepare() {
         if (count_ < room_) return;
@@ -84,6 +87,13 @@ struct MemoryDataStore::Contents {
         if (size > options.recordLimit) throw std::length_error("record larger than the store's limit");
     }
 
+    [[gnu::noinline]] void readOther(std::uint32_t offset, void* buffer, std::uint32_t size) const {
+        const Block* block = slots.find(offset);
+        if (!block && size == 1) return;
+        if (!block) throw std::out_of_range("no record at this offset");
+        copyBytes(static_cast<std::byte*>(buffer), block->bytes, std::min(size, block->size));
+    }
+
     [[gnu::noinline]] void rewrite(std::uint32_t offset, const void* buffer, std::uint32_t size, bool flag) {
         Block& block = at(offset);
         checkSize(size);
@@ -118,11 +128,16 @@ MemoryDataStore::MemoryDataStore(Options options) : contents_(new Contents(optio
 
 MemoryDataStore::~MemoryDataStore() noexcept = default;
 
+// What is not short is kept out of the way of what is, here and in `write`. Where there is no record the
+// block has no bytes.
 void MemoryDataStore::read(std::uint32_t offset, void* buffer, std::uint32_t size) {
-    const Block* block = contents_->slots.find(offset);
-    if (!block && size == 1) return;
-    if (!block) throw std::out_of_range("no record at this offset");
-    copyBytes(static_cast<std::byte*>(buffer), block->bytes, std::min(size, block->size));
+    const Contents& contents = *contents_;
+    if (offset < contents.slots.count()) {
+        const Block& block = contents.slots[offset];
+        const std::uint32_t wanted = std::min(size, block.size);
+        if (isShort(wanted)) return copyShort(static_cast<std::byte*>(buffer), block.bytes, wanted);
+    }
+    contents.readOther(offset, buffer, size);
 }
 
 IDataStore::Guard* MemoryDataStore::lock() {
@@ -163,10 +178,12 @@ void MemoryDataStore::extend(std::uint32_t offset, const void* buffer, std::uint
 // Most writes change a few bytes of a record that keeps its size; all else is kept out of their way.
 void MemoryDataStore::write(std::uint32_t offset, const void* buffer, std::uint32_t size, bool flag) {
     Contents& contents = *contents_;
-    const Block* block = contents.slots.find(offset);
-    if (!block || size != block->size) return contents.rewrite(offset, buffer, size, flag);
-    copyBytes(block->bytes, buffer, size);
-    if (flag) contents.changed(offset, 0);
+    if (offset < contents.slots.count() && isShort(size) && contents.slots[offset].size == size) {
+        copyShort(contents.slots[offset].bytes, static_cast<const std::byte*>(buffer), size);
+        if (flag) contents.changed(offset, 0);
+        return;
+    }
+    contents.rewrite(offset, buffer, size, flag);
 }
 
 std::uint32_t MemoryDataStore::recordSize(std::uint32_t offset) {

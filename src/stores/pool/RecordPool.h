@@ -24,24 +24,29 @@ struct Sixteen {
     std::uint64_t bytes[2];
 };
 
-// The bytes may overlap, and where there are none either may be null. Most records are small, and a call for
-// them would take longer than the copying: all bytes are taken before the first is put, some of them twice.
-inline void copyBytes(std::byte* to, const void* from, std::size_t size) noexcept {
-    const auto* bytes = static_cast<const std::byte*>(from);
-    if (size - 16 > 48) {
-        if (size != 0 && to != bytes) std::memmove(to, from, size);
-        return;
-    }
-    const Sixteen first(bytes);
-    const Sixteen last(bytes + size - 16);
+// Whether `copyShort` is for so many bytes.
+inline bool isShort(std::size_t size) noexcept { return size - 16 <= 48; }
+
+// Most records are short, and a call for them would take longer than the copying: all bytes are taken before
+// the first is put, some of them twice.
+inline void copyShort(std::byte* to, const std::byte* from, std::size_t size) noexcept {
+    const Sixteen first(from);
+    const Sixteen last(from + size - 16);
     if (size > 32) {
-        const Sixteen second(bytes + 16);
-        const Sixteen third(bytes + size - 32);
+        const Sixteen second(from + 16);
+        const Sixteen third(from + size - 32);
         second.put(to + 16);
         third.put(to + size - 32);
     }
     first.put(to);
     last.put(to + size - 16);
+}
+
+// The bytes may overlap, and where there are none either may be null.
+inline void copyBytes(std::byte* to, const void* from, std::size_t size) noexcept {
+    const auto* bytes = static_cast<const std::byte*>(from);
+    if (isShort(size)) return copyShort(to, bytes, size);
+    if (size != 0 && to != bytes) std::memmove(to, from, size);
 }
 
 // Hands out blocks. Small ones are cut from chunks without a header of their own, and come from and go to

@@ -144,6 +144,17 @@ TEST_F(TamperedFileTest, BitsThatWereChangedHaveAWrongChecksum) {
     EXPECT_EQ(codeOfFailure([&] { loaded(*openReader(path_), 5000); }), Code::damaged);
 }
 
+TEST_F(TamperedFileTest, WhatIsReadAheadOfTheDirectoryIsToldWhenItIsAskedFor) {
+    commit(*openWriter(path_), revision_, {{9000, "further"}, {13000, "last"}});
+    run("UPDATE live SET bits = zeroblob(512) WHERE block = 2");
+    const auto reader = openReader(path_);
+
+    EXPECT_EQ(loaded(*reader, 0), "root");
+    EXPECT_EQ(loaded(*reader, 5000), "far");
+    EXPECT_EQ(codeOfFailure([&] { loaded(*reader, 9000); }), Code::damaged);
+    EXPECT_EQ(loaded(*reader, 13000), "last");
+}
+
 TEST_F(TamperedFileTest, WhatTheFileSaysOfItselfHasAChecksum) {
     run("UPDATE meta SET records = records + 1");
     expectNotOpened("meta");

@@ -185,7 +185,7 @@ void runProgram(unsigned seed) {
 }
 
 TEST(ChildCacheTest, RandomProgramsAnswerAndStoreAsWithoutIt) {
-    for (unsigned seed = 0; seed < rounds(60); ++seed) {
+    for (unsigned seed = 0; seed < rounds(600); ++seed) {
         runProgram(seed);
         if (HasFatalFailure()) return;
     }

@@ -137,7 +137,7 @@ INSTANTIATE_TEST_SUITE_P(Stores, ReferenceTest, testing::Values(Extensions::off,
                          });
 
 TEST_P(ReferenceTest, CopiesWithinAStoreAreThoseMadeChildByChild) {
-    for (unsigned seed = 0; seed < rounds(40); ++seed) {
+    for (unsigned seed = 0; seed < rounds(400); ++seed) {
         TwoStores stores(seed, GetParam());
         for (const Offset entity : stores.entities()) {
             const Offset copy = Metadata::cloneSubtree(&stores.model, entity, &stores.model);
@@ -150,7 +150,7 @@ TEST_P(ReferenceTest, CopiesWithinAStoreAreThoseMadeChildByChild) {
 }
 
 TEST_P(ReferenceTest, CopiesByOpenObjectsAreThoseMadeChildByChild) {
-    for (unsigned seed = 0; seed < rounds(40); ++seed) {
+    for (unsigned seed = 0; seed < rounds(400); ++seed) {
         TwoStores stores(seed, GetParam());
         LoggingStore modelTarget(GetParam()), plainTarget;
         appendTo(modelTarget, RecordBytes().u8(9));
@@ -166,7 +166,7 @@ TEST_P(ReferenceTest, CopiesByOpenObjectsAreThoseMadeChildByChild) {
 }
 
 TEST_P(ReferenceTest, ErasingIsWhatErasingChildByChildIs) {
-    for (unsigned seed = 0; seed < rounds(80); ++seed) {
+    for (unsigned seed = 0; seed < rounds(800); ++seed) {
         TwoStores stores(seed, GetParam());
         const Offset entity = Dice(seed).of(stores.entities());
 
@@ -182,7 +182,7 @@ TEST_P(ReferenceTest, ErasingIsWhatErasingChildByChildIs) {
 }
 
 TEST_P(ReferenceTest, ErasingAllIsWhatErasingChildByChildIs) {
-    for (unsigned seed = 0; seed < rounds(40); ++seed) {
+    for (unsigned seed = 0; seed < rounds(400); ++seed) {
         TwoStores stores(seed, GetParam());
 
         Root(&stores.model, 0).erase();
@@ -194,7 +194,7 @@ TEST_P(ReferenceTest, ErasingAllIsWhatErasingChildByChildIs) {
 }
 
 TEST_P(ReferenceTest, EntitiesAreRemovableWhereEachChildSaysSo) {
-    for (unsigned seed = 0; seed < rounds(40); ++seed) {
+    for (unsigned seed = 0; seed < rounds(400); ++seed) {
         TwoStores stores(seed, GetParam());
         Dice dice(seed);
         for (int i = 0; i < 2; ++i) {
@@ -213,7 +213,7 @@ TEST_P(ReferenceTest, EntitiesAreRemovableWhereEachChildSaysSo) {
 }
 
 TEST_P(ReferenceTest, ImportsAreThoseMadeChildByChild) {
-    for (unsigned seed = 0; seed < rounds(40); ++seed) {
+    for (unsigned seed = 0; seed < rounds(400); ++seed) {
         TwoStores stores(seed, GetParam());
         TwoStores types(seed + 1000, GetParam());
         const Offset set = Dice(seed).of(stores.sets());
@@ -233,7 +233,7 @@ TEST_P(ReferenceTest, ImportsAreThoseMadeChildByChild) {
 }
 
 TEST_P(ReferenceTest, ImportsWithinAStoreAreThoseMadeChildByChild) {
-    for (unsigned seed = 0; seed < rounds(40); ++seed) {
+    for (unsigned seed = 0; seed < rounds(400); ++seed) {
         TwoStores stores(seed, GetParam());
         const Offset set = Dice(seed).of(stores.sets());
         {
@@ -253,7 +253,7 @@ TEST_P(ReferenceTest, ImportsWithinAStoreAreThoseMadeChildByChild) {
 // Two objects on each of some sets, with all that a set can do in random order, so that each acts on what it
 // knew and the other changed.
 TEST_P(ReferenceTest, SetsAnswerAndChangeAsPlainOnesDo) {
-    for (unsigned seed = 0; seed < rounds(80); ++seed) {
+    for (unsigned seed = 0; seed < rounds(800); ++seed) {
         TwoStores stores(seed, GetParam());
         Dice dice(seed);
         ModelBuilder build(stores.model), plainBuild(stores.plain);
@@ -317,7 +317,7 @@ TEST_P(ReferenceTest, SetsAnswerAndChangeAsPlainOnesDo) {
 }
 
 TEST_P(ReferenceTest, PathsLeadWhereAWalkFromObjectToObjectLeads) {
-    for (unsigned seed = 0; seed < rounds(40); ++seed) {
+    for (unsigned seed = 0; seed < rounds(400); ++seed) {
         TwoStores stores(seed, GetParam());
         Dice dice(seed);
         std::vector<std::u16string> names;
@@ -337,7 +337,7 @@ TEST_P(ReferenceTest, PathsLeadWhereAWalkFromObjectToObjectLeads) {
 // One primitive in two stores, with two objects on it that know of each other only what they read.
 TEST_P(ReferenceTest, ValuesChangeAsPlainOnesDo) {
     const std::vector<std::uint32_t> types = {1, 3, 7, 11, 12, 14, 17, 19, 24};
-    for (unsigned seed = 0; seed < rounds(400); ++seed) {
+    for (unsigned seed = 0; seed < rounds(4000); ++seed) {
         LoggingStore model(GetParam()), plain;
         Dice dice(seed);
         const std::uint32_t type = dice.of(types);
@@ -400,7 +400,7 @@ TEST_P(ReferenceTest, ValuesChangeAsPlainOnesDo) {
 
 TEST_P(ReferenceTest, ElementsLaidOverAValueAreThoseWrittenOneByOne) {
     const std::vector<std::uint32_t> types = {1, 9, 11, 13, 15, 16, 17, 20, 24};
-    for (unsigned seed = 0; seed < rounds(400); ++seed) {
+    for (unsigned seed = 0; seed < rounds(4000); ++seed) {
         LoggingStore model(GetParam()), plain;
         Dice dice(seed);
         const std::uint32_t type = dice.of(types);
@@ -433,7 +433,7 @@ TEST_P(ReferenceTest, ElementsLaidOverAValueAreThoseWrittenOneByOne) {
 // Numbers of one value after another's change: each sequence of plain writes by a stale object, against one
 // overlay by one as stale.
 TEST_P(ReferenceTest, ElementsLaidOverAChangedValueAreThoseWrittenOneByOne) {
-    for (unsigned seed = 0; seed < rounds(400); ++seed) {
+    for (unsigned seed = 0; seed < rounds(4000); ++seed) {
         LoggingStore model(GetParam()), sequence(GetParam());
         Dice dice(seed);
         const std::string old(dice.below(40), '\x55'), changed(dice.below(10) * 4, '\x66');
@@ -470,7 +470,7 @@ TEST_P(ReferenceTest, DisplayNamesAreThoseOfAPlainList) {
         std::u16string locale, text;
         std::uint64_t told;
     };
-    for (unsigned seed = 0; seed < rounds(200); ++seed) {
+    for (unsigned seed = 0; seed < rounds(2000); ++seed) {
         LoggingStore store(GetParam());
         Dice dice(seed);
         const Offset entity = ModelBuilder(store).container(kUnlisted, u"c");
@@ -528,7 +528,7 @@ TEST_P(ReferenceTest, DisplayNamesAreThoseOfAPlainList) {
 
 // Defaults by two objects on one table, against a list of pairs and what each knew of it.
 TEST_P(ReferenceTest, DefaultsAreThoseOfAPlainListOfPairs) {
-    for (unsigned seed = 0; seed < rounds(200); ++seed) {
+    for (unsigned seed = 0; seed < rounds(2000); ++seed) {
         LoggingStore store(GetParam());
         Dice dice(seed);
         const Offset table = ModelBuilder(store).table(kUnlisted, u"t");

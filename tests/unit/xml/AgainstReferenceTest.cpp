@@ -150,8 +150,8 @@ class AgainstReference : public testing::TestWithParam<std::uint32_t> {};
 
 TEST_P(AgainstReference, DocumentsGiveEqualRecordsReportsAndBytes) {
     Types types;
-    const std::uint32_t first = GetParam() * rounds(1);
-    for (std::uint32_t seed = first; seed < first + rounds(100); ++seed) {
+    const std::uint32_t first = GetParam() * rounds(10);
+    for (std::uint32_t seed = first; seed < first + rounds(1000); ++seed) {
         const std::string document = Generator(seed).document();
         SCOPED_TRACE("seed " + std::to_string(seed) + "\n" + document);
         ISchemaLocator* locator = seed % 7 == 0 ? nullptr : types.locator.get();

@@ -47,10 +47,12 @@ class QVT_CORE_API XMLSerializer {
     void startElement(const tWChar* name, const tWChar* unused);
     /// Adds to the element just opened; ignored once it has content. A null value is written as an empty one.
     void addAttribute(const tWChar* name, const tWChar* value, const tWChar* unused);
-    /// For those who know that names are ASCII characters without "&", "<", ">" and quotation marks, which
-    /// are not looked at then; nor are plain values.
+    /// As `startElement`, for who knows that the name is ASCII characters without "&", "<", ">" and quotation
+    /// marks: it is not looked at.
     void startPlainElement(std::string_view name);
+    /// As `addAttribute`, with such a name.
     void addTextAttribute(std::string_view name, std::u16string_view value);
+    /// As `addAttribute`, with such a name and such a value.
     void addPlainAttribute(std::string_view name, std::string_view value);
     /// Several calls in a row make one run of text. Null is the empty text.
     void addCharacterData(const tWChar* text);

@@ -173,7 +173,7 @@ class Plan:
         self.absolute(7, f"path in a group of {wide.size:,}", wide_path, 3, 0.6, 1e6, "us")
         self.growth(7, f"path at width {wide.size:,} against {narrow.size:,}", wide_path, narrow_path, 1, 1, 1.5)
         prefix = Document("prefix", self.size(100_000, 2_000))
-        self.absolute(7, f"open a group of {prefix.size:,} names with a long common beginning",
+        self.absolute(7, f"open a group of {prefix.size:,} names with a long common beginning, find 100",
                       Measurement("access", "open", prefix), 200, None, 1e3, "ms")
         traverse = Measurement("access", "traverse", props)
         self.compare(8, "traverse, a value", traverse, step, "pugixml", 1.5, 0.7)

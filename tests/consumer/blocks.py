@@ -70,7 +70,7 @@ def run_session(commands, folder):
     script = SETUP + "".join(f"{{ {command}\n}} 2>&1; printf '\\036%s\\036' $?\n" for command in commands)
     prefix = os.environ["QVT_PREFIX"]
     packages = ":".join({str(path.parent) for path in pathlib.Path(prefix).rglob("*.pc")})
-    environment = dict(os.environ, PKG_CONFIG_PATH=packages, CMAKE_PREFIX_PATH=prefix)
+    environment = dict(os.environ, LC_ALL="C.UTF-8", PKG_CONFIG_PATH=packages, CMAKE_PREFIX_PATH=prefix)
     run = subprocess.run(["bash", "-c", script], cwd=folder, stdout=subprocess.PIPE, env=environment)
     parts = run.stdout.decode().split(END)[:-1]
     return list(zip(parts[::2], parts[1::2], strict=True))

@@ -92,7 +92,7 @@ class Classes(FindTest):
         self.assertEqual(self.done("find", "model.qvt", "--class", "Crate").lines, ["n"])
 
     def test_InALongChainTakeNoTime(self):
-        count = 500
+        count = 200
         tables = "".join(f'<table name="T{i}" class="T{i - 1}"/>' for i in range(1, count))
         nodes = "".join(f'<node name="n{i}" class="T{i}"/>' for i in reversed(range(count)))
         self.assertEqual(len(self.found("--class", "T0", text=f'<root name="r"><table name="T0"/>{tables}{nodes}</root>')),

@@ -161,6 +161,13 @@ class Colours(ToolTest):
         self.assertNotIn(b"\x1b", self.on_terminal("tree", "model.xml", NO_COLOR="1"))
         self.assertNotIn(b"\x1b", self.on_terminal("tree", "model.xml", TERM="dumb"))
 
+    def test_AndLinesFallBackTogetherOnAPoorTerminal(self):
+        self.document(MODEL)
+        out = self.on_terminal("tree", "model.xml", "--values", TERM="dumb", LC_ALL="C")
+        self.assertTrue(out.isascii(), out)
+        self.assertNotIn(b"\x1b", out)
+        self.assertIn(b"|-- Box: table\r\n", out)
+
     def test_AreWrittenAlwaysOrNeverWhenSoAsked(self):
         self.document(MODEL)
         self.assertIn("\x1b", self.done("tree", "model.xml", "--color", "always").out)

@@ -19,10 +19,11 @@ constexpr const char* kFooter =
     "that change something take file stores only. PATH is a dotted path without the root's name; no PATH\n"
     "means the root.\n"
     "\n"
-    "Exit status: 0 done, or yes; 1 no, or a document had reports (its elements that were skipped);\n"
-    "2 wrong usage; 3 the input is missing, unreadable or not well-formed, or nothing is at PATH; 4 the\n"
-    "store is damaged; 5 another writer has the store; 6 an edit was refused; 7 the output or the store\n"
-    "cannot be written; 70 a fault of the program.\n"
+    "Exit status: 0 done, or yes; 1 no (nothing is found, something differs, a repair has changed\n"
+    "something), or a document had reports (its elements that were skipped); 2 wrong usage; 3 the input is\n"
+    "missing, unreadable or not well-formed, or nothing is at PATH; 4 the store is damaged; 5 another\n"
+    "writer has the store; 6 an edit was refused; 7 the output or the store cannot be written; 70 a fault\n"
+    "of the program.\n"
     "\n"
     "qvt VERB --help tells more.";
 

@@ -1,12 +1,12 @@
 // The guard around every public operation.
 #pragma once
 
+#include <exception>
 #include <type_traits>
 #include <utility>
 
 #include "norvane/platform/core/storage/datastore/IDataStore.h"
 #include "norvane/platform/data/Names.h"
-#include "records/FirstFailure.h"
 #include "records/Owned.h"
 
 namespace norvane::platform::data {
@@ -56,6 +56,7 @@ class GuardedItem {
     GuardedItem(const GuardedItem&) = delete;
     GuardedItem& operator=(const GuardedItem&) = delete;
     ~GuardedItem() noexcept(false) {
+        const int exceptionsAtBirth = item_->exceptionsAtBirth();
         try {
             OperationGuard guard(item_->store());
             item_.reset();
@@ -64,7 +65,7 @@ class GuardedItem {
             // Without a guard the store may be in the middle of another thread's change: it is left alone,
             // at the price of an open count that stays raised.
             if (item_) item_->abandon();
-            if (!unwinding_.isUnwinding()) throw;
+            if (std::uncaught_exceptions() <= exceptionsAtBirth) throw;
         }
     }
 
@@ -73,7 +74,6 @@ class GuardedItem {
 
   private:
     Owned<T> item_;
-    UnwindingCheck unwinding_;
 };
 
 }  // namespace norvane::platform::data

@@ -9,11 +9,13 @@ namespace field = Record::field;
 Container::Container(IDataStore* store, std::uint32_t offset, Metadata::Opening opening) {
     {
         const Record::Snapshot record(store, offset);
-        if (!bind(store, offset, Record::Kind::container, *record)) return;
+        const auto [name, classText, linkTarget] =
+            record->sections(Record::Kind::container, Record::format::containerSections);
+        if (!bind(store, offset, Record::Kind::container, *record, name)) return;
         bindChildren(*record);
         kind_ = record->load(field::containerKind);
-        classText_ = record->text(field::classTextSize);
-        linkTarget_ = record->text(field::linkTargetSize);
+        if (classText.size != 0) classText_ = Record::View::textOf(classText);
+        if (linkTarget.size != 0) linkTarget_ = Record::View::textOf(linkTarget);
     }
     if (opening == Metadata::Opening::handle) raiseOpenCount();
     indexChildren(opening);

@@ -43,14 +43,15 @@ void* Item::operator new(std::size_t size) { return core::memory::PooledHeap::ma
 
 void Item::operator delete(void* object, std::size_t size) { core::memory::PooledHeap::free(object, size); }
 
-bool Item::bind(IDataStore* store, std::uint32_t offset, Record::Kind kind, const Record::View& record) {
+bool Item::bind(IDataStore* store, std::uint32_t offset, Record::Kind kind, const Record::View& record,
+                Record::Section name) {
     store_ = store;
     offset_ = offset;
     if (!record.isWhole(kind)) return false;
     inert_ = false;
     if (kind != Record::Kind::root) parent_ = record.load(field::parent);
     localeRecord_ = record.load(field::locale);
-    name_ = record.nameSection();
+    name_ = name;
     return true;
 }
 

@@ -89,6 +89,9 @@ class Item {
 
     void eraseLocale();
 
+    // How many exceptions were under way when this object was made.
+    int exceptionsAtBirth() const { return exceptionsAtBirth_; }
+
     // Closing will write nothing: the open count stays raised, and unsaved strings are lost.
     void abandon() { abandoned_ = true; }
 
@@ -97,7 +100,11 @@ class Item {
 
     // Takes over what every entity has, which is looked for where the record is a whole one of that kind.
     // False, and inert, unless it is.
-    bool bind(IDataStore* store, std::uint32_t offset, Record::Kind kind, const Record::View& record);
+    bool bind(IDataStore* store, std::uint32_t offset, Record::Kind kind, const Record::View& record) {
+        return bind(store, offset, kind, record, record.nameSection());
+    }
+    bool bind(IDataStore* store, std::uint32_t offset, Record::Kind kind, const Record::View& record,
+              Record::Section name);
     void bindNew(IDataStore* store, std::uint32_t offset, std::u16string_view name);
     void raiseOpenCount();
     // The same with a look at the record already taken.

@@ -19,9 +19,9 @@ constexpr std::uint32_t kStruct = 24;
 
 Primitive::Primitive(IDataStore* store, std::uint32_t offset, Metadata::Opening opening) {
     const Record::Snapshot record(store, offset);
-    if (!bind(store, offset, Record::Kind::primitive, *record)) return;
     const auto [localeTag, name, structType, value] =
         record->sections(Record::Kind::primitive, Record::format::primitiveSections);
+    if (!bind(store, offset, Record::Kind::primitive, *record, name)) return;
     if (structType.size != 0) structTypeName_ = Record::View::textOf(structType);
     dataType_ = record->load(field::dataType);
     valueSize_ = value.size;

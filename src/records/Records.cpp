@@ -5,7 +5,6 @@
 #include <cstring>
 #include <utility>
 
-#include "norvane/platform/core/memory/PooledHeap.h"
 #include "records/SizeClass.h"
 
 namespace norvane::platform::data::Record {
@@ -65,17 +64,8 @@ Block& Block::operator=(Block&& other) noexcept {
     return *this;
 }
 
-Block::~Block() {
-    if (capacity_ != 0) PooledHeap::free(bytes_, capacity_);
-}
-
-Snapshot::Snapshot(IDataStore* store, std::uint32_t offset) {
-    if (offset == IDataStore::BADOFF) return;
+void Snapshot::copy(IDataStore* store, std::uint32_t offset) {
     std::uint32_t size = 0;
-    if (const void* bytes = store->view(offset, size)) {
-        view_ = View(bytes, size);
-        return;
-    }
     copy_ = readWhole(store, offset, size);
     view_ = View(copy_.bytes(), size);
 }

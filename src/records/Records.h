@@ -9,6 +9,7 @@
 #include <string_view>
 
 #include "norvane/platform/core/Types.h"
+#include "norvane/platform/core/memory/PooledHeap.h"
 #include "norvane/platform/core/storage/datastore/IDataStore.h"
 #include "records/Fields.h"
 #include "records/View.h"
@@ -51,7 +52,9 @@ class Block {
     explicit Block(std::uint32_t capacity);
     Block(Block&& other) noexcept;
     Block& operator=(Block&& other) noexcept;
-    ~Block();
+    ~Block() {
+        if (capacity_ != 0) core::memory::PooledHeap::free(bytes_, capacity_);
+    }
 
     std::byte* bytes() const { return bytes_; }
     std::uint32_t capacity() const { return capacity_; }
@@ -65,12 +68,21 @@ class Block {
 // there is no such record. It must not be looked at after the next change of the store.
 class Snapshot {
   public:
-    Snapshot(IDataStore* store, std::uint32_t offset);
+    Snapshot(IDataStore* store, std::uint32_t offset) {
+        if (offset == IDataStore::BADOFF) return;
+        std::uint32_t size = 0;
+        if (const void* bytes = store->view(offset, size))
+            view_ = View(bytes, size);
+        else
+            copy(store, offset);
+    }
 
     const View& operator*() const { return view_; }
     const View* operator->() const { return &view_; }
 
   private:
+    void copy(IDataStore* store, std::uint32_t offset);
+
     Block copy_;
     View view_;
 };

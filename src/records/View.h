@@ -64,10 +64,11 @@ class View {
     // All sections of a whole record of that kind, in the order of `rows`, which are its format's.
     template <std::size_t N>
     std::array<Section, N> sections(Kind kind, const std::array<SectionRow, N>& rows) const {
-        std::array<Section, N> found;
+        std::array<Section, N> found{};
         std::uint64_t position = formatOf(kind).fixedSize;
+        if (size_ < position) return found;
         for (std::size_t i = 0; i < N; ++i) {
-            const auto size = loadAt<std::uint32_t>(rows[i].sizePosition);
+            const std::uint32_t size = loadInside(rows[i].sizePosition);
             found[i] = sectionAt(position, size);
             position += size;
         }
@@ -76,8 +77,11 @@ class View {
     // The name of an entity, and the value of a primitive; empty for every other record.
     Section nameSection() const;
     Section valueSection() const {
-        if (kind() != static_cast<std::uint8_t>(Kind::primitive)) return {};
-        return sections(Kind::primitive, format::primitiveSections).back();
+        if (!isWhole(Kind::primitive)) return {};
+        const std::uint64_t before = std::uint64_t{loadInside(field::localeTagSize.position)} +
+                                     loadInside(field::primitiveNameSize.position) +
+                                     loadInside(field::structTypeSize.position);
+        return sectionAt(formatOf(Kind::primitive).fixedSize + before, loadInside(field::valueSize.position));
     }
 
     std::u16string text(U32 sizeField) const { return textOf(section(sizeField)); }
@@ -97,6 +101,13 @@ class View {
     }
 
   private:
+    // Of a record that is long enough.
+    std::uint32_t loadInside(std::uint32_t position) const {
+        std::uint32_t value;
+        std::memcpy(&value, bytes_ + position, sizeof value);
+        return value;
+    }
+
     Section sectionAt(std::uint64_t position, std::uint32_t size) const {
         if (position >= size_) return {};
         return {bytes_ + position, std::min(static_cast<std::uint32_t>(size_ - position), size)};

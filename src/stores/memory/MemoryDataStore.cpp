@@ -210,7 +210,10 @@ bool MemoryDataStore::patch(std::uint32_t offset, std::uint32_t position, const 
                             std::uint32_t size, bool flag) {
     const Block& block = contents_->at(offset);
     if (std::uint64_t{position} + size > block.size) throw std::out_of_range("patch outside of the record");
-    copyBytes(block.bytes + position, bytes, size);
+    if (size == sizeof(std::uint32_t))
+        std::memcpy(block.bytes + position, bytes, sizeof(std::uint32_t));  // most patches are of one number
+    else
+        copyBytes(block.bytes + position, bytes, size);
     if (flag) contents_->changed(offset, position);
     return true;
 }

@@ -51,8 +51,9 @@ class QVT_CORE_API DefaultPointerCounterImp : public IPointerCounter {
 
     void addWeak() override { weak_.fetch_add(1); }
 
+    // Where there is no other reference, nobody can add one.
     void releaseWeak() override {
-        if (weak_.fetch_sub(1) == 1) destroy();
+        if (weak_.load() == 1 || weak_.fetch_sub(1) == 1) destroy();
     }
 
     std::int64_t weakCount() override { return static_cast<std::int64_t>(weak_.load()); }
@@ -64,13 +65,17 @@ class QVT_CORE_API DefaultPointerCounterImp : public IPointerCounter {
         return false;
     }
 
-    // Only the thread that took the count from 1 to 0 goes on: once it is 0, any other thread may end the
-    // counter, so that nobody else may look at it again. The exchange fails if a weak holder has revived the
-    // pointee meanwhile.
+    // The last reference goes in one step with the pointee, unless a weak holder has added one meanwhile:
+    // then this is one of several. Only the thread that took the count from 1 to 0 goes on: once it is 0, any
+    // other thread may end the counter, so that nobody else may look at it again. The exchange fails if a
+    // weak holder has revived the pointee.
     void releaseStrong() override {
-        if (strong_.fetch_sub(1) != 1) return;
-        std::uint64_t none = 0;
-        if (!strong_.compare_exchange_strong(none, kDisposed)) return;
+        std::uint64_t last = 1;
+        if (strong_.load() != 1 || !strong_.compare_exchange_strong(last, kDisposed)) {
+            if (strong_.fetch_sub(1) != 1) return;
+            std::uint64_t none = 0;
+            if (!strong_.compare_exchange_strong(none, kDisposed)) return;
+        }
         const WeakRelease releaseAtEnd{*this};
         dispose();
     }
@@ -82,6 +87,12 @@ class QVT_CORE_API DefaultPointerCounterImp : public IPointerCounter {
 
     void destroy() override { delete this; }
     void dispose() override { delete owned_; }
+
+    /// Gives a counter that nobody else knows yet its first strong reference, and the weak one of all those.
+    void begin() noexcept {
+        weak_.store(1, std::memory_order_relaxed);
+        strong_.store(1, std::memory_order_relaxed);
+    }
 
   protected:
     /// The weak references.
@@ -199,15 +210,14 @@ class SharedPtr {
 
     // Not from PooledHeap: a counter may outlive everything else of the object's library.
     static IPointerCounter* makeCounter(T* object) {
-        IPointerCounter* counter = nullptr;
+        DefaultPointerCounterImp* counter = nullptr;
         try {
             counter = ::new _Private::_Counter::_CounterImp<T>(object);
         } catch (...) {
             delete object;
             throw;
         }
-        counter->addWeak();
-        counter->addStrong();
+        counter->begin();
         return counter;
     }
 

@@ -75,7 +75,8 @@ char* putWhole(const Decimal& decimal, char* to) {
 }
 
 char* putFraction(const Decimal& decimal, char* to) {
-    std::memcpy(to, "0.000000", 8);
+    static constexpr char kZeros[8] = {'0', '.', '0', '0', '0', '0', '0', '0'};
+    std::memcpy(to, kZeros, sizeof kZeros);
     char* first = to + 1 - decimal.exponent;
     std::memcpy(first, decimal.digits, 8);
     return first + decimal.count;

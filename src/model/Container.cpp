@@ -22,10 +22,22 @@ Container::Container(IDataStore* store, std::uint32_t offset, Metadata::Opening 
 }
 
 Container::Container(IDataStore* store, std::uint32_t kind, std::u16string_view name) : kind_(kind) {
-    const std::uint32_t offset = Record::Container(store, name).offset();
-    bindNew(store, offset, name);
-    Record::storeField(store, offset, field::containerKind, static_cast<std::uint8_t>(kind));
+    Record::NewEntity record(Record::Kind::container);
+    record.set(field::containerKind, static_cast<std::uint8_t>(kind));
+    record.addText(field::containerNameSize, name);
+    bindNew(store, record.appendTo(store), name);
     raiseOpenCount();
+}
+
+Container::Container(Metadata::Set& parent, std::uint32_t kind, std::u16string_view name, std::uint8_t flags,
+                     const tWChar* linkTarget)
+    : kind_(kind), linkTarget_(Record::textOf(linkTarget)) {
+    Record::NewEntity record(Record::Kind::container);
+    record.set(field::flags, flags);
+    record.set(field::containerKind, static_cast<std::uint8_t>(kind));
+    record.addText(field::containerNameSize, name);
+    if (linkTarget) record.addText(field::linkTargetSize, linkTarget_);
+    bindNew(parent.store(), parent.appendChild(record, name), name);
 }
 
 std::uint32_t Container::clone(IDataStore* target) {

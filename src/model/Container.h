@@ -12,6 +12,10 @@ class Container final : public Metadata::Set {
     Container(IDataStore* store, std::uint32_t offset, Metadata::Opening opening = Metadata::Opening::handle);
     // Appends a new container record, which nothing lists yet. The record keeps the low byte of `kind`.
     Container(IDataStore* store, std::uint32_t kind, std::u16string_view name);
+    // Makes a transient one, which is listed as the parent's last child. The parent has room for it. A null
+    // link target is none.
+    Container(Metadata::Set& parent, std::uint32_t kind, std::u16string_view name, std::uint8_t flags,
+              const tWChar* linkTarget);
 
     std::uint32_t clone(IDataStore* target) override;
 

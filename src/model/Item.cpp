@@ -69,6 +69,10 @@ void Item::raiseOpenCount(const Record::View& record) {
     counted_ = true;
 }
 
+void Item::count() {
+    if (!inert_ && !counted_) raiseOpenCount();
+}
+
 void Item::raiseOpenCount() {
     Record::addToOpenCount(store_, offset_, 1);
     counted_ = true;

@@ -14,9 +14,12 @@
 
 namespace norvane::platform::data::Metadata {
 
+class Set;
+
 // Why an object is opened. A `handle` outlives the operation: it counts in its record's open count, and it
 // remembers the children as they are now. A `transient` lives and dies inside one operation, in which no code
-// of the host runs: it writes no count, and looks at the children when it is asked.
+// of the host runs, or is told before it does (`count`): it writes no count, and looks at the children when
+// it is asked.
 enum class Opening { handle, transient };
 
 // What is said in one locale. `index` is the number that was told when the entry was made; it is not kept up
@@ -91,6 +94,10 @@ class Item {
 
     // How many exceptions were under way when this object was made.
     int exceptionsAtBirth() const { return exceptionsAtBirth_; }
+    // Counts in the record from now on, if it did not yet.
+    void count();
+    // This object if it has children, else null.
+    virtual Set* asSet() { return nullptr; }
 
     // Closing will write nothing: the open count stays raised, and unsaved strings are lost.
     void abandon() { abandoned_ = true; }

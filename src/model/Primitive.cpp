@@ -6,6 +6,7 @@
 
 #include "model/Subtree.h"
 #include "norvane/platform/data/metadata/tDataType.h"
+#include "records/NewEntity.h"
 
 namespace norvane::platform::data::Design {
 
@@ -33,7 +34,10 @@ Primitive::Primitive(IDataStore* store, std::uint32_t offset, Metadata::Opening 
 
 Primitive::Primitive(IDataStore* store, std::uint32_t dataType, std::u16string_view name)
     : dataType_(dataType) {
-    bindNew(store, Record::Primitive(store, dataType, name).offset(), name);
+    Record::NewEntity record(Record::Kind::primitive);
+    record.set(field::dataType, dataType);
+    record.addText(field::primitiveNameSize, name);
+    bindNew(store, record.appendTo(store), name);
     raiseOpenCount();
 }
 

@@ -149,6 +149,16 @@ bool Set::addChild(std::uint32_t offset) {
     return true;
 }
 
+bool Set::hasRoomFor(std::u16string_view name) { return isStored() && find(name) == IDataStore::BADOFF; }
+
+std::uint32_t Set::appendChild(Record::NewEntity& child, std::u16string_view name) {
+    child.set(field::parent, offset());
+    const std::uint32_t added = child.appendTo(store());
+    if (indexed_) insert(name, added);
+    link(added);
+    return added;
+}
+
 // Another object may have made the list since this one was opened; a second list would lose its children.
 // Only the kind is read: the list may be long, and it is asked for at each new child.
 bool Set::adoptList() {
@@ -165,9 +175,7 @@ void Set::link(std::uint32_t offset) {
         store()->extend(childrenRecord_, &offset, sizeof offset);
         return;
     }
-    Record::Offsets list(store());
-    list.append(&offset, 1);
-    childrenRecord_ = list.offset();
+    childrenRecord_ = Record::appendList(store(), offset);
     Record::storeField(store(), this->offset(), field::children, childrenRecord_);
 }
 
@@ -250,7 +258,9 @@ Root::Root(IDataStore* store, std::uint32_t offset, Opening opening) {
 }
 
 Root::Root(IDataStore* store, std::u16string_view name) {
-    bindNew(store, Record::Root(store, name).offset(), name);
+    Record::NewEntity record(Record::Kind::root);
+    record.addText(field::rootNameSize, name);
+    bindNew(store, record.appendTo(store), name);
     raiseOpenCount();
 }
 

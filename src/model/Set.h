@@ -10,6 +10,7 @@
 #include "model/ChildIndex.h"
 #include "model/Item.h"
 #include "model/ListedNames.h"
+#include "records/NewEntity.h"
 
 namespace norvane::platform::data::Metadata {
 
@@ -18,6 +19,7 @@ namespace norvane::platform::data::Metadata {
 // changes. Children are kinds 1, 2 and 4; of equal names the first is found, and reserved names never are.
 class Set : public Item {
   public:
+    Set* asSet() override { return this; }
     // No other object is open on this record, and none at all on anything below.
     bool isRemovable() override;
     // Localised strings and children go, and the record no longer leads to them.
@@ -41,6 +43,10 @@ class Set : public Item {
     // Lists an entity that exists as the last child and sets its parent. False, with nothing changed, when it
     // is no entity that can be a child, its name is taken, or this set's own record is gone.
     bool addChild(std::uint32_t offset);
+    // Whether a new entity of that name can be listed: no child has it, and this set's own record is there.
+    bool hasRoomFor(std::u16string_view name);
+    // Stores a new entity as the last child, which this set has room for, and gives its offset.
+    std::uint32_t appendChild(Record::NewEntity& child, std::u16string_view name);
     // Deletes a direct child and all below it. False, with nothing changed, when there is none of that name,
     // or it is fixed, or it or anything below is open elsewhere.
     bool removeChild(std::u16string_view name);

@@ -32,7 +32,9 @@ Table::Table(IDataStore* store, std::uint32_t offset, Metadata::Opening opening)
 }
 
 Table::Table(IDataStore* store, std::u16string_view name) : defaultsOffset_(IDataStore::BADOFF) {
-    bindNew(store, Record::Table(store, name).offset(), name);
+    Record::NewEntity record(Record::Kind::table);
+    record.addText(field::tableNameSize, name);
+    bindNew(store, record.appendTo(store), name);
     raiseOpenCount();
 }
 

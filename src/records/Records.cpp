@@ -284,6 +284,13 @@ void Locale::setPayload(const void* payload, std::uint64_t payloadSize) {
     commit();
 }
 
+std::uint32_t appendList(IDataStore* store, std::uint32_t value) {
+    std::array<std::byte, kOffsetsHeader + sizeof value> list{
+        std::byte{static_cast<std::uint8_t>(Kind::offsets)}};
+    std::memcpy(&list[kOffsetsHeader], &value, sizeof value);
+    return store->append(list.data(), static_cast<std::uint32_t>(list.size()));
+}
+
 void storeBytes(IDataStore* store, std::uint32_t offset, std::uint64_t position, const void* bytes,
                 std::uint32_t size, bool flag) {
     const std::uint32_t recordSize = offset == IDataStore::BADOFF ? 0 : store->recordSize(offset);

@@ -207,6 +207,9 @@ class Locale : public Base {
     void setPayload(const void* payload, std::uint64_t payloadSize);
 };
 
+// Appends a list of one value.
+std::uint32_t appendList(IDataStore* store, std::uint32_t value);
+
 // Changes bytes inside a record and nothing else of it; does nothing where the record does not have them.
 // `flag` is false for the open count alone.
 void storeBytes(IDataStore* store, std::uint32_t offset, std::uint64_t position, const void* bytes,

@@ -10,6 +10,10 @@ namespace norvane::platform::data {
 using metadata::ISchema;
 using metadata::ISchemaLocator;
 
+Owned<Metadata::Item> Element::createIn(Metadata::Set&, Attributes) { return {}; }
+
+bool Element::takes(Record::Kind) const { return false; }
+
 Owned<Metadata::Item> Element::nest(Metadata::Item&, Owned<Metadata::Item>&) {
     error_ = u"unable to nest";
     return {};
@@ -47,9 +51,13 @@ bool Element::takeName(Metadata::Item& object, const std::string& text) {
     return true;
 }
 
-void markOptional(Metadata::Item& object, Attributes attributes) {
+std::uint8_t optionalFlag(Attributes attributes) {
     const char* optional = findAttribute("optional", attributes);
-    if (optional && std::string_view(optional) == "true") object.setFlags(Record::kOptional);
+    return optional && std::string_view(optional) == "true" ? Record::kOptional : std::uint8_t{0};
+}
+
+void markOptional(Metadata::Item& object, Attributes attributes) {
+    if (const std::uint8_t flag = optionalFlag(attributes)) object.setFlags(flag);
 }
 
 SharedPtr<ISchema> locate(ISchemaLocator* locator, const std::u16string& classText) {

@@ -37,6 +37,13 @@ class Element {
     // will not do.
     virtual Owned<Metadata::Item> create(Attributes attributes) = 0;
 
+    // Makes the object as a child of an open one that may have it, listed in it already, and not yet counted
+    // as open. Null, with nothing made, for an element that takes `create` and `nest`: they say what is wrong
+    // with one, and decide where somebody else's code has its say.
+    virtual Owned<Metadata::Item> createIn(Metadata::Set& parent, Attributes attributes);
+    // Whether records of that kind may stand in such an element.
+    virtual bool takes(Record::Kind child) const;
+
     // Puts a new object under an open one and gives what goes on in its place: the child itself, or the
     // existing object that it overrides. Null when the child may not stand there. The child stays with the
     // caller unless it is the result.
@@ -71,6 +78,7 @@ class Element {
 };
 
 // What containers and tables have in common.
+std::uint8_t optionalFlag(Attributes attributes);
 void markOptional(Metadata::Item& object, Attributes attributes);
 
 // The schema of a class text. Null without a locator, and for schemas that are not of this library.

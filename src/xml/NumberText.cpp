@@ -14,6 +14,7 @@
 #include <type_traits>
 
 #include "xml/SevenDigits.h"
+#include "xml/Tokenizer.h"
 
 namespace norvane::platform::data {
 namespace {
@@ -78,34 +79,58 @@ std::ptrdiff_t takeDigits(const char*& at, const char* end, std::uint64_t& numbe
     return at - begin;
 }
 
-// The numbers that are an exact integer over an exact power of ten: of those one division gives the nearest
-// value, as from_chars does. False for all others, and for a token that is not digits and a point.
+constexpr std::ptrdiff_t kMostDigits = 19;
+
+// Digits, with a point among them or not. Only numbers that are an exact integer over an exact power of ten:
+// of those one division gives the nearest value, as from_chars does.
 template <typename T>
-bool parseShort(const char* at, const char* end, void* target) {
+bool takeDecimal(const char*& at, const char* end, T& value) {
     static constexpr auto kPowers = exactPowers<T>();
-    constexpr std::ptrdiff_t kMostDigits = 19;
-    const bool isNegative = *at == '-';
-    if (isNegative) ++at;
     std::uint64_t number = 0;
     std::ptrdiff_t digits = takeDigits(at, end, number);
     std::ptrdiff_t power = 0;
     if (at != end && *at == '.') power = takeDigits(++at, end, number);
     digits += power;
-    if (at != end || digits == 0 || digits > kMostDigits) return false;
+    if (digits == 0 || digits > kMostDigits) return false;
     if (number > kMostExactInteger<T> || power > kMostExactPower<T>) return false;
-    const T size = static_cast<T>(number) / kPowers[static_cast<std::size_t>(power)];
-    const T value = isNegative ? -size : size;
-    std::memcpy(target, &value, sizeof value);
+    value = static_cast<T>(number) / kPowers[static_cast<std::size_t>(power)];
     return true;
+}
+
+template <typename T>
+bool takeInteger(const char*& at, const char* end, T& value) {
+    std::uint64_t number = 0;
+    const std::ptrdiff_t digits = takeDigits(at, end, number);
+    if (digits == 0 || digits >= kMostDigits || number > std::numeric_limits<T>::max()) return false;
+    value = static_cast<T>(number);
+    return true;
+}
+
+// Reads digits as most numbers are written and moves `at` behind them, for the caller to see whether that was
+// all. False for whatever takes a closer look, with `at` somewhere in it.
+template <typename T>
+bool takePlain(const char*& at, const char* end, T& value) {
+    const bool isNegative = std::is_signed_v<T> && at != end && *at == '-';
+    if (isNegative) ++at;
+    bool isTaken = false;
+    if constexpr (std::is_floating_point_v<T>)
+        isTaken = takeDecimal(at, end, value);
+    else
+        isTaken = takeInteger(at, end, value);
+    if (isNegative && isTaken) value = static_cast<T>(-value);
+    return isTaken;
 }
 
 template <typename T>
 bool parse(const char* token, const char* end, void* target) {
     if (token == end) return false;
-    if constexpr (std::is_floating_point_v<T>)
-        if (parseShort<T>(token, end, target)) return true;
+    T value;
+    const char* at = token;
+    if (takePlain(at, end, value) && at == end) {
+        std::memcpy(target, &value, sizeof value);
+        return true;
+    }
     if (beginsPlainly<T>(token, end)) {
-        T value;
         const auto [stop, error] = std::from_chars(token, end, value);
         if (error == std::errc() && endsPlainly<T>(stop, end)) {
             std::memcpy(target, &value, sizeof value);
@@ -113,6 +138,22 @@ bool parse(const char* token, const char* end, void* target) {
         }
     }
     return extract<T>(token, end, target);
+}
+
+// Read as one type, and stored with the low bytes of it that an element has.
+template <typename T, typename Stored = T>
+std::size_t parsePlain(const char*& at, const char* end, std::byte* elements, std::size_t room) {
+    std::size_t count = 0;
+    for (; count < room; ++count, elements += sizeof(Stored)) {
+        while (at != end && Tokenizer::isSpace(*at)) ++at;
+        const char* stop = at;
+        T value;
+        if (!takePlain(stop, end, value) || (stop != end && !Tokenizer::isSpace(*stop))) break;
+        at = stop;
+        const auto stored = static_cast<Stored>(value);
+        std::memcpy(elements, &stored, sizeof stored);
+    }
+    return count;
 }
 
 template <typename T>
@@ -160,6 +201,33 @@ bool parseNumber(const char* token, const char* end, void* target, int index) {
             return parse<float>(token, end, target);
         default:
             return parse<double>(token, end, target);
+    }
+}
+
+std::size_t parsePlainNumbers(const char*& at, const char* end, std::byte* elements, std::size_t room,
+                              int index) {
+    switch (index) {
+        case 0:
+        case 1:
+            return parsePlain<std::int32_t, std::int8_t>(at, end, elements, room);
+        case 2:
+            return parsePlain<std::uint32_t, std::uint8_t>(at, end, elements, room);
+        case 3:
+            return parsePlain<std::int32_t, std::int16_t>(at, end, elements, room);
+        case 4:
+            return parsePlain<std::uint32_t, std::uint16_t>(at, end, elements, room);
+        case 5:
+            return parsePlain<std::int32_t>(at, end, elements, room);
+        case 6:
+            return parsePlain<std::uint32_t>(at, end, elements, room);
+        case 7:
+            return parsePlain<std::int64_t>(at, end, elements, room);
+        case 8:
+            return parsePlain<std::uint64_t>(at, end, elements, room);
+        case 9:
+            return parsePlain<float>(at, end, elements, room);
+        default:
+            return parsePlain<double>(at, end, elements, room);
     }
 }
 

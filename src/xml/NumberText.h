@@ -20,6 +20,13 @@ bool parseNumber(const char* token, void* target, int index);
 /// The same for a token that ends at `end`, with or without a NUL there.
 bool parseNumber(const char* token, const char* end, void* target, int index);
 
+/// Reads numbers that have white space between them into elements of their type, one behind the other and no
+/// more than `room`, as long as they are written plainly: digits, with a minus where the type has a sign, and
+/// a point where it has fractions. Gives how many, and moves `at` behind them; what stands there, behind
+/// white space or not, is the end or takes `parseNumber`.
+std::size_t parsePlainNumbers(const char*& at, const char* end, std::byte* elements, std::size_t room,
+                              int index);
+
 /// Characters that the longest number takes, with its NUL.
 inline constexpr std::size_t kNumberTextSize = 128;
 

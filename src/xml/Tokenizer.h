@@ -33,9 +33,9 @@ class Tokenizer {
         return count;
     }
 
-  private:
     static bool isSpace(char c) { return c == ' ' || c == '\n' || c == '\r' || c == '\t'; }
 
+  private:
     const char* begin_ = nullptr;
     const char* at_;
     const char* textEnd_;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdio>
 #include <cstring>
 #include <utility>
 #include <vector>
@@ -9,6 +10,7 @@
 #include "norvane/platform/core/string/StringAlgorithm.h"
 #include "norvane/platform/data/metadata/IStructLayout.h"
 #include "xml/Attributes.h"
+#include "xml/NumberList.h"
 #include "xml/NumberText.h"
 #include "xml/NumberTypes.h"
 #include "xml/Tokenizer.h"
@@ -28,40 +30,6 @@ void writeOrThrow(Design::Primitive& primitive, const void* source, std::uint32_
                   std::uint64_t count) {
     if (count == 0 || primitive.isInert()) return;
     if (!primitive.writeValues(source, start, Record::checkedSize(count))) throw TooLarge();
-}
-
-// The elements of a value one behind the other, and which of them are numbers.
-class Numbers {
-  public:
-    Numbers(std::size_t width, std::size_t expected)
-        : width_(width), elements_(expected * width + kWidestNumber) {
-        isGiven_.reserve(expected);
-    }
-
-    // Copies as much as the widest number: a copy of one known size is a single move.
-    void add(const std::byte* number, bool isGiven) {
-        const std::size_t at = isGiven_.size() * width_;
-        if (at + kWidestNumber > elements_.size()) elements_.resize(elements_.size() * 2);
-        std::memcpy(&elements_[at], number, kWidestNumber);
-        isGiven_.push_back(isGiven ? 1 : 0);
-    }
-
-    const std::byte* elements() const { return elements_.data(); }
-    const std::vector<unsigned char>& isGiven() const { return isGiven_; }
-
-  private:
-    std::size_t width_;
-    std::vector<std::byte> elements_;
-    std::vector<unsigned char> isGiven_;
-};
-
-// Most values are one number, which needs no memory on its way. False, with nothing stored, for any other.
-bool readOnlyNumber(Design::Primitive& primitive, const std::string& text, int index) {
-    Tokenizer tokens(text);
-    tokens.next();
-    std::byte number[kWidestNumber];
-    return tokens.end() == text.data() + text.size() &&
-           parseNumber(tokens.begin(), tokens.end(), number, index) && primitive.writeValues(number, 0, 1);
 }
 
 // Lays the numbers of a text into structs of one layout, one after the other.
@@ -108,6 +76,12 @@ class StructReader {
 
 }  // namespace
 
+std::uint32_t presetCount(std::uint32_t type, const char* dimension) {
+    if (type >= metadata::kVector2 && type <= metadata::kMatrix4x4) return metadata::componentCount(type);
+    unsigned count = 0;
+    return dimension && std::sscanf(dimension, "%u", &count) == 1 ? count : 0;
+}
+
 void readBinary(Design::Primitive& primitive, const std::string& text) {
     std::vector<std::byte> bytes(StringAlgorithm::DecodeBase64(text.data(), text.size(), nullptr, 0));
     StringAlgorithm::DecodeBase64(text.data(), text.size(), bytes.data(), bytes.size());
@@ -120,14 +94,8 @@ void readText(Design::Primitive& primitive, const std::string& text, std::uint32
 }
 
 void readNumbers(Design::Primitive& primitive, const std::string& text) {
-    const int index = numberIndex(primitive.dataType());
-    if (readOnlyNumber(primitive, text, index)) return;
-    Numbers numbers(primitive.elementSize(), std::min<std::size_t>(primitive.count(), text.size() / 2 + 1));
-    std::byte number[kWidestNumber] = {};
-    for (Tokenizer tokens(text); tokens.next();) {
-        const bool isGiven = parseNumber(tokens.begin(), tokens.end(), number, index);
-        numbers.add(number, isGiven);
-    }
+    NumberList numbers;
+    numbers.read(text, primitive.dataType());
     primitive.overlayValues(numbers.elements(), numbers.isGiven());
 }
 

@@ -10,8 +10,12 @@
 
 namespace norvane::platform::data {
 
-// Each lays what the text holds over the value that is there and never shortens it. A value that does not fit
-// a record is thrown as `TooLarge`.
+// How many elements a value is made for ahead of its text: vectors and matrices are of one size, for the
+// others the `dim` attribute tells, which may be null.
+std::uint32_t presetCount(std::uint32_t type, const char* dimension);
+
+// Each of these lays what the text holds over the value that is there and never shortens it. A value that
+// does not fit a record is thrown as `TooLarge`.
 
 // Base64, up to the first character that is none.
 void readBinary(Design::Primitive& primitive, const std::string& text);

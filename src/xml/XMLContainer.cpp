@@ -16,6 +16,19 @@ Owned<Metadata::Item> XMLContainer::create(Attributes attributes) {
     return container;
 }
 
+Owned<Metadata::Item> XMLContainer::createIn(Metadata::Set& parent, Attributes attributes) {
+    const char* name = findAttribute("name", attributes);
+    if (!name || (locator_ && findAttribute("class", attributes))) return {};
+    const std::u16string decoded = decode(name);
+    if (!parent.hasRoomFor(decoded)) return {};
+    const bool isLink = keyword().detail == structure::kLink;
+    const char* target = isLink ? findAttribute("to", attributes) : nullptr;
+    return makeOwned<Structural::Container>(parent, keyword().detail, decoded, optionalFlag(attributes),
+                                            target ? decode(target).c_str() : nullptr);
+}
+
+bool XMLContainer::takes(Record::Kind child) const { return child != Record::Kind::root; }
+
 Owned<Metadata::Item> XMLContainer::nest(Metadata::Item& parent, Owned<Metadata::Item>& child) {
     switch (Record::kindOf(store_, child->offset())) {
         case static_cast<std::uint8_t>(Record::Kind::container):

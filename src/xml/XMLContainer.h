@@ -12,6 +12,8 @@ class XMLContainer final : public Element {
         : Element(keyword, store), locator_(locator) {}
 
     Owned<Metadata::Item> create(Attributes attributes) override;
+    Owned<Metadata::Item> createIn(Metadata::Set& parent, Attributes attributes) override;
+    bool takes(Record::Kind child) const override;
     // Containers, tables and primitives. A container is refused when its name is taken, also by one that came
     // from a class: only properties override.
     Owned<Metadata::Item> nest(Metadata::Item& parent, Owned<Metadata::Item>& child) override;

@@ -1,7 +1,10 @@
 #include "xml/XMLParsingLogic.h"
 
+#include <algorithm>
 #include <cctype>
 #include <utility>
+
+#include "schema/SchemaLocatorImpl.h"
 
 namespace norvane::platform::data {
 
@@ -17,9 +20,18 @@ char lowerOf(char c) {
 
 XMLParsingLogic::XMLParsingLogic(IDataStore* store, Metadata::Item* target, metadata::ISchemaLocator* locator,
                                  format::xml::IErrorReporter* reporter)
-    : store_(store), target_(target), locator_(locator), reporter_(reporter), handlers_(store, locator) {}
+    : store_(store),
+      target_(target),
+      locator_(locator),
+      reporter_(reporter),
+      handlers_(store, locator),
+      isLocatorForeign_(locator && !dynamic_cast<Schema::SchemaLocatorImpl*>(locator)) {}
 
 XMLParsingLogic::~XMLParsingLogic() {
+    try {
+        pausing();
+    } catch (...) {  // the store has failed; it is told no more
+    }
     for (const OpenElement& open : stack_) {
         if (open.object == target_) continue;
         open.object->abandon();
@@ -32,10 +44,10 @@ void XMLParsingLogic::startElement(const char* name, Attributes attributes) {
         ++skipDepth_;
         return;
     }
+    if (pending_) openPending();
     if (inSubElement_) return failElement(name, u"cannot nest anything under a sub-element");
     text_.clear();
-    // A locator of the host's own may count on hearing of every element, though the name says nothing.
-    if (locator_) locator_->locate(WideString());
+    if (isLocatorForeign_) tellLocator();
     const std::string_view lowerName = lower(name);
     if (Element* handler = handlers_.find(lowerName))
         startKeyword(name, lowerName, *handler, attributes);
@@ -49,7 +61,9 @@ void XMLParsingLogic::endElement(const char*) {
         return;
     }
     if (stack_.empty()) return;
-    if (inSubElement_)
+    if (pending_)
+        endPending();
+    else if (inSubElement_)
         endSubElement();
     else
         closeTop();
@@ -60,9 +74,25 @@ void XMLParsingLogic::characterData(const char* text, int length) {
     text_.append(text, static_cast<std::size_t>(length));
 }
 
+void XMLParsingLogic::pausing() {
+    if (pending_) openPending();
+    countOpen();
+}
+
+void XMLParsingLogic::countOpen() {
+    for (; counted_ < stack_.size(); ++counted_) stack_[counted_].object->count();
+}
+
+// A locator of the host's own may count on hearing of every element, though the name says nothing.
+void XMLParsingLogic::tellLocator() {
+    countOpen();
+    locator_->locate(WideString());
+}
+
 void XMLParsingLogic::failElement(std::string_view name, std::u16string_view message) {
     skipDepth_ = 1;
     if (!reporter_) return;
+    countOpen();
     const std::u16string text = decode(name).append(u" : ").append(message);
     reporter_->report(WideString(text.data(), text.size()));
 }
@@ -83,12 +113,40 @@ void XMLParsingLogic::startOther(std::string_view lowerName, Attributes attribut
 
 void XMLParsingLogic::startKeyword(const char* name, std::string_view lowerName, Element& handler,
                                    Attributes attributes) {
+    if (startQuickly(handler, attributes)) return;
     Owned<Metadata::Item> object = handler.create(attributes);
     if (!object) return failElement(name, handler.error());
     if (!stack_.empty()) return nest(lowerName, handler, object);
     if (!target_) return push(object, handler);
     object.reset();
     openTarget(name, handler);
+}
+
+// True for an element of which there is nothing to decide: a new child of a set that has room for it.
+bool XMLParsingLogic::startQuickly(Element& handler, Attributes attributes) {
+    if (stack_.empty()) return false;
+    const OpenElement& top = stack_.back();
+    const tKeyword& keyword = handler.keyword();
+    if (!top.set || !top.handler->takes(keyword.kind)) return false;
+    if (keyword.kind == Record::Kind::primitive) {
+        pendingHandler_ = &handler;
+        return pending_.begin(*top.set, keyword, attributes);
+    }
+    Owned<Metadata::Item> object = handler.createIn(*top.set, attributes);
+    if (!object) return false;
+    push(object, handler);
+    return true;
+}
+
+void XMLParsingLogic::openPending() {
+    Owned<Metadata::Item> object = pending_.open();
+    push(object, *pendingHandler_);
+}
+
+void XMLParsingLogic::endPending() {
+    if (pending_.end(text_)) return;
+    openPending();
+    closeTop();
 }
 
 // The report of a refusal is made while the refused object is still open.
@@ -104,11 +162,11 @@ void XMLParsingLogic::openTarget(const char* name, Element& handler) {
     std::uint8_t kind = 0;
     store_->read(target_->offset(), &kind, 1);
     if (!KeywordTable::serves(kind)) return failElement(name, u"could not...");
-    stack_.push_back({target_, &handler});
+    stack_.push_back({target_, &handler, target_->asSet()});
 }
 
 void XMLParsingLogic::push(Owned<Metadata::Item>& object, Element& handler) {
-    stack_.push_back({object.get(), &handler});
+    stack_.push_back({object.get(), &handler, object->asSet()});
     object.release();
 }
 
@@ -123,6 +181,7 @@ void XMLParsingLogic::closeTop() {
     const OpenElement top = stack_.back();
     if (!std::exchange(keepValue_, false)) top.handler->endContent(*top.object, text_);
     stack_.pop_back();
+    counted_ = std::min(counted_, stack_.size());
     if (top.object != target_) delete top.object;
 }
 

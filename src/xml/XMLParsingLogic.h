@@ -9,12 +9,18 @@
 #include "norvane/platform/core/xml/XMLCallback.h"
 #include "norvane/platform/data/format/xml/IErrorReporter.h"
 #include "xml/KeywordTable.h"
+#include "xml/PendingValue.h"
 
 namespace norvane::platform::data {
 
 // Knows elements in general: keeps the open ones, gives each tag to its handler, collects text, and turns
 // what is wrong into one report and the skipping of one subtree. What an element means is its handler's
 // matter.
+//
+// What is written for each element is what is left of it in the end. What only somebody who looks at the
+// store in between would see (a value without its text, the open counts of the elements that are open) is
+// written when somebody can: before a report, before the reader is asked for more, and for each tag if the
+// locator is not this library's own.
 //
 // Lives for one document. Everything that it needs is a member, so that a reporter or a locator may read
 // another document meanwhile.
@@ -35,12 +41,14 @@ class XMLParsingLogic final : public core::xml::XMLCallback {
     void comment(const char*) override {}
     void processingInstruction(const char*, const char*) override {}
     void characterData(const char* text, int length) override;
+    void pausing() override;
 
   private:
     // The object is owned here unless it is the target.
     struct OpenElement {
         Metadata::Item* object;
         Element* handler;
+        Metadata::Set* set;  // the object, if it has children
     };
 
     // As much of an element name as counts.
@@ -49,11 +57,16 @@ class XMLParsingLogic final : public core::xml::XMLCallback {
     // Reports, and skips from here to the end of the element.
     void failElement(std::string_view name, std::u16string_view message);
     std::string_view lower(const char* name);
+    bool startQuickly(Element& handler, Attributes attributes);
     void startKeyword(const char* name, std::string_view lowerName, Element& handler, Attributes attributes);
     void startOther(std::string_view lowerName, Attributes attributes);
     void nest(std::string_view lowerName, Element& handler, Owned<Metadata::Item>& object);
     void openTarget(const char* name, Element& handler);
     void push(Owned<Metadata::Item>& object, Element& handler);
+    void openPending();
+    void endPending();
+    void countOpen();
+    void tellLocator();
     void endSubElement();
     void closeTop();
 
@@ -62,7 +75,11 @@ class XMLParsingLogic final : public core::xml::XMLCallback {
     metadata::ISchemaLocator* locator_;
     format::xml::IErrorReporter* reporter_;
     KeywordTable handlers_;
+    const bool isLocatorForeign_;
     std::vector<OpenElement> stack_;
+    std::size_t counted_ = 0;  // of the stack, from the bottom, are counted as open
+    PendingValue pending_;     // in the top of the stack
+    Element* pendingHandler_ = nullptr;
     std::string text_;  // since the last tag that was not skipped
     char lowerName_[kNameLimit];
     std::uint64_t skipDepth_ = 0;  // elements to close until skipping ends

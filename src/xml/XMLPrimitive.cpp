@@ -1,6 +1,5 @@
 #include "xml/XMLPrimitive.h"
 
-#include <cstdio>
 #include <utility>
 
 #include "xml/UnitTable.h"
@@ -9,15 +8,6 @@
 
 namespace norvane::platform::data {
 namespace {
-
-// How many elements a value is made for ahead of its text: vectors and matrices are of one size, for the
-// others it is told.
-std::uint32_t countOf(std::uint32_t type, Attributes attributes) {
-    if (type >= metadata::kVector2 && type <= metadata::kMatrix4x4) return metadata::componentCount(type);
-    const char* dimension = findAttribute("dim", attributes);
-    unsigned count = 0;
-    return dimension && std::sscanf(dimension, "%u", &count) == 1 ? count : 0;
-}
 
 void describe(Design::Primitive& primitive, Attributes attributes) {
     const char* uri = findAttribute("uri", attributes);
@@ -35,7 +25,7 @@ Owned<Metadata::Item> XMLPrimitive::create(Attributes attributes) {
     if (isStruct() && !structType) return {};
     auto primitive = makeOwned<Design::Primitive>(store_, keyword().detail, decode(name));
     describe(*primitive, attributes);
-    size(*primitive, countOf(keyword().detail, attributes), structType);
+    size(*primitive, presetCount(keyword().detail, findAttribute("dim", attributes)), structType);
     return primitive;
 }
 

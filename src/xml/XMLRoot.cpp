@@ -16,6 +16,10 @@ Owned<Metadata::Item> XMLRoot::create(Attributes attributes) {
     return makeOwned<Metadata::Root>(store_, decode(name));
 }
 
+bool XMLRoot::takes(Record::Kind child) const {
+    return child == Record::Kind::table || child == Record::Kind::container;
+}
+
 Owned<Metadata::Item> XMLRoot::nest(Metadata::Item& parent, Owned<Metadata::Item>& child) {
     const std::uint8_t kind = Record::kindOf(store_, child->offset());
     const bool mayStandHere = kind == static_cast<std::uint8_t>(Record::Kind::table) ||

@@ -15,6 +15,10 @@ Owned<Metadata::Item> XMLTable::create(Attributes attributes) {
     return table;
 }
 
+bool XMLTable::takes(Record::Kind child) const {
+    return child == Record::Kind::primitive || child == Record::Kind::table;
+}
+
 Owned<Metadata::Item> XMLTable::nest(Metadata::Item& parent, Owned<Metadata::Item>& child) {
     switch (Record::kindOf(store_, child->offset())) {
         case static_cast<std::uint8_t>(Record::Kind::primitive):

@@ -13,6 +13,7 @@ class XMLTable final : public Element {
         : Element(keyword, store), locator_(locator) {}
 
     Owned<Metadata::Item> create(Attributes attributes) override;
+    bool takes(Record::Kind child) const override;
     // Primitives and tables.
     Owned<Metadata::Item> nest(Metadata::Item& parent, Owned<Metadata::Item>& child) override;
     void endContent(Metadata::Item& object, const std::string& text) override;

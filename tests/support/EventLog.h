@@ -34,17 +34,17 @@ class EventLog : public core::xml::XMLCallback {
         happened();
     }
 
-  protected:
-    // Called after each call was written down.
-    virtual void happened() {}
-
-  private:
     void add(const std::string& event) {
         text_ += event;
         inText_ = false;
         happened();
     }
 
+  protected:
+    // Called after each call was written down.
+    virtual void happened() {}
+
+  private:
     std::string text_;
     bool inText_ = false;
 };

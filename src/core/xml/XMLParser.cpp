@@ -78,6 +78,7 @@ class Run {
         for (bool atEnd = false; !atEnd && !isStopped();) {
             void* buffer = XML_GetBuffer(parser_.get(), static_cast<int>(wanted));
             if (!buffer) throw std::bad_alloc();
+            callback_.pausing();
             const std::size_t count = fill(reader, static_cast<char*>(buffer), wanted);
             atEnd = count < wanted;
             eventCame_ = false;
@@ -255,11 +256,15 @@ bool XMLParser::parseDocument(io::IDataReader* reader) {
     Audience audience(reader);
     audience.parsing(*this);
     std::exception_ptr thrown;
-    try {
-        run.read(*reader);
-    } catch (...) {
-        thrown = std::current_exception();
-    }
+    const auto attempt = [&thrown](auto&& step) {
+        try {
+            step();
+        } catch (...) {
+            if (!thrown) thrown = std::current_exception();
+        }
+    };
+    attempt([&] { run.read(*reader); });
+    attempt([&] { state_->callback.pausing(); });
     state_->end(run.place(), run.wrong());
     if (thrown || !state_->wrong.empty())
         audience.stopped(state_->lastPlace, thrown ? describe(thrown) : state_->wrong);

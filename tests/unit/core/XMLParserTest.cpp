@@ -285,6 +285,39 @@ TEST(XMLParserTest, HundredThousandLevelsAreRead) {
     EXPECT_EQ(counter.depth(), 0);
 }
 
+// Has both sides of a parse in one text.
+class Pauses : public EventLog {
+  public:
+    void pausing() override { add("(pausing)"); }
+};
+
+struct LoggedReader : io::MemoryReader {
+    LoggedReader(std::string_view bytes, Pauses& told) : MemoryReader(bytes), log(told) {}
+    std::size_t read(void* buffer, std::size_t size) override {
+        log.add("(read)");
+        return MemoryReader::read(buffer, size);
+    }
+
+    Pauses& log;
+};
+
+TEST(XMLParserTest, CallbackIsToldBeforeTheReaderIsAskedAndAtTheEnd) {
+    Pauses log;
+    LoggedReader reader("<a>1</a>", log);
+    XMLParser(log).parseDocument(&reader);
+    EXPECT_EQ(log.text(), "(pausing)(read)(read)<a>[1]</a>(pausing)");
+}
+
+TEST(XMLParserTest, CallbackIsToldOfTheEndOfAParseThatFails) {
+    struct Failing : Pauses {
+        void endElement(const char*) override { throw std::runtime_error("no"); }
+    } log;
+    LoggedReader reader("<a></a>", log);
+    XMLParser parser(log);
+    EXPECT_THROW(parser.parseDocument(&reader), std::runtime_error);
+    EXPECT_EQ(log.text(), "(pausing)(read)(read)<a>(pausing)");
+}
+
 // Asks for the place of each event.
 class PlaceLog : public EventLog {
   public:

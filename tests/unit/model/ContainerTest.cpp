@@ -22,7 +22,7 @@ TEST_F(ContainerTest, NewLinkHasItsKindAndNoTexts) {
     const Container link(&store_, kLink, u"x");
 
     const std::string offset = std::to_string(link.offset());
-    EXPECT_THAT(changes(), ElementsAre("append 35", "write " + offset + " size 35", "count " + offset));
+    EXPECT_THAT(changes(), ElementsAre("append 35", "count " + offset));
     RecordBytes expected;
     expected.u8(4).noRecord().u32(1).noRecord().u8(0).noRecord().u8(2).u32(4).u32(0).u32(0);
     EXPECT_EQ(record(link.offset()), expected.text(u"x"));
@@ -32,12 +32,44 @@ TEST_F(ContainerTest, NewLinkHasItsKindAndNoTexts) {
     EXPECT_EQ(link.linkTarget(), u"");
 }
 
-TEST_F(ContainerTest, KindOfANewNodeIsStoredToo) {
+TEST_F(ContainerTest, NewChildIsMadeWholeAndListedWithoutBeingCounted) {
+    Container parent(&store_, 0, u"p");
+    Container(parent, 0, u"first", 0, nullptr);
     forgetCalls();
 
-    const Container node(&store_, 0, u"x");
+    const Container link(parent, kLink, u"x", Record::kOptional, u"a.b");
 
-    EXPECT_EQ(changes().size(), 3u);
+    EXPECT_THAT(changes(),
+                ElementsAre("append 43", "extend " + std::to_string(listRecordOf(store_, parent.offset()))));
+    RecordBytes expected;
+    expected.u8(4).u32(parent.offset()).u32(0).noRecord().u8(1).noRecord().u8(2).u32(4).u32(0).u32(8);
+    EXPECT_EQ(record(link.offset()), expected.text(u"x").text(u"a.b"));
+    EXPECT_EQ(link.linkTarget(), u"a.b");
+    EXPECT_EQ(parent.find(u"x"), link.offset());
+}
+
+TEST_F(ContainerTest, TransientObjectCountsOnceItIsToldTo) {
+    Container parent(&store_, 0, u"p");
+    {
+        Container child(parent, 0, u"c", 0, nullptr);
+        forgetCalls();
+
+        child.count();
+        child.count();
+
+        EXPECT_THAT(changes(), ElementsAre("count " + std::to_string(child.offset())));
+    }
+    EXPECT_EQ(Record::Snapshot(&store_, parent.find(u"c"))->load(Record::field::openCount), 0u);
+}
+
+TEST_F(ContainerTest, ThereIsNoRoomForANameThatIsTakenNorInASetThatIsGone) {
+    Container parent(&store_, 0, u"p");
+    Container(parent, 0, u"c", 0, nullptr);
+
+    EXPECT_TRUE(parent.hasRoomFor(u"d"));
+    EXPECT_FALSE(parent.hasRoomFor(u"c"));
+    store_.remove(parent.offset());
+    EXPECT_FALSE(parent.hasRoomFor(u"d"));
 }
 
 TEST_F(ContainerTest, RecordKeepsTheLowByteOfTheKind) {

@@ -277,6 +277,59 @@ TEST(Parse, OpenElementsAndTheRefusedOneCountAsOpenDuringAReport) {
     EXPECT_EQ(openCounts(store), 0U);
 }
 
+// Gives the open counts of a store, by the order of its records, whenever it is asked for more.
+struct LookingReader : MemoryReader {
+    LookingReader(std::string_view bytes, IDataStore& watched) : MemoryReader(bytes), store(watched) {}
+    std::size_t read(void* buffer, std::size_t size) override {
+        seen.emplace_back();
+        for (std::uint32_t offset = 0; offset < store.size(); ++offset) {
+            const Record::Snapshot record(&store, offset);
+            if (Record::isEntity(record->kind()))
+                seen.back().push_back(record->load(Record::field::openCount));
+        }
+        return MemoryReader::read(buffer, size);
+    }
+
+    IDataStore& store;
+    std::vector<std::vector<std::uint32_t>> seen;
+};
+
+TEST(Parse, ReaderSeesWhatIsOpenBetweenTwoPiecesOfTheDocument) {
+    std::string numbers = "1";
+    while (numbers.size() < (1u << 16)) numbers += " 1";
+    const std::string document = inGroup("<int8 name='done'>1</int8><int8 name='i'>" + numbers + "</int8>");
+    MemoryDataStore store;
+    LookingReader reader(document, store);
+    IXMLFrontEnd::parse(&store, &reader, nullptr, nullptr, nullptr);
+    ASSERT_GE(reader.seen.size(), 2U);
+    EXPECT_THAT(reader.seen[1], AnyOf(IsEmpty(), ElementsAre(1, 1, 0, 1)));
+    EXPECT_THAT(reader.seen.back(), ElementsAre(1, 1, 0, 1));
+    EXPECT_EQ(openCounts(store), 0U);
+    const std::uint32_t i = Metadata::resolvePath(&store, 0, u"g.i");
+    EXPECT_EQ(Design::Primitive(&store, i).count(), (numbers.size() + 1) / 2);
+}
+
+TEST(Parse, LocatorOfTheHostSeesTheOpenElements) {
+    struct Looking : ISchemaLocator {
+        explicit Looking(IDataStore& watched) : store(watched) {}
+        SharedPtr<metadata::ISchema> locate(WideString) override {
+            counts.push_back(openCounts(store));
+            return {};
+        }
+        void addStore(IDataStore*) override {}
+        bool removeStore(IDataStore*) override { return false; }
+        void clearStores() override {}
+
+        IDataStore& store;
+        std::vector<std::uint32_t> counts;
+    };
+    MemoryDataStore store;
+    Looking locator(store);
+    MemoryReader reader("<root name='r'><group name='g'><group name='h'/></group></root>");
+    IXMLFrontEnd::parse(&store, &reader, &locator, nullptr, nullptr);
+    EXPECT_THAT(locator.counts, ElementsAre(0, 1, 2));
+}
+
 TEST(Parse, ReporterMayReadAnotherDocument) {
     struct Nested : IErrorReporter {
         void report(WideString) override {
@@ -393,6 +446,16 @@ TEST(Parse, EveryByteReplacedByAnotherIsSurvived) {
             if (store.size() != 0) written(store);
         }
     }
+}
+
+TEST(Parse, ValueThatNoRecordTakesLeavesItsElementWithoutAValue) {
+    MemoryDataStore store(MemoryDataStore::Options{64});
+    const std::string document = inGroup("<int32 name='i'>1 2 3 4 5 6</int32>");
+    MemoryReader reader(document);
+    IXMLFrontEnd::parse(&store, &reader, nullptr, nullptr, nullptr);
+    const std::uint32_t i = Metadata::resolvePath(&store, 0, u"g.i");
+    ASSERT_NE(i, IDataStore::BADOFF);
+    EXPECT_EQ(Design::Primitive(&store, i).valueSize(), 0U);
 }
 
 // The logic by itself, as a parser of another make might drive it.

@@ -21,6 +21,9 @@ class QVT_CORE_API XMLCallback {
     virtual void processingInstruction(const char* target, const char* data) = 0;
     /// `length` bytes of text without a NUL. One run of text may come in several calls.
     virtual void characterData(const char* text, int length) = 0;
+    /// Somebody else's code may run next: the parser turns to its reader for more, or is done, well or not.
+    /// So whoever keeps back what it was told, until it knows the rest, stops here.
+    virtual void pausing() {}
 };
 
 }  // namespace norvane::platform::core::xml

@@ -1,6 +1,6 @@
 #include "norvane/platform/core/thread/RecursiveMutex.h"
 
-#include <chrono>
+#include <mutex>
 #include <system_error>
 #include <unordered_map>
 
@@ -9,13 +9,14 @@
 namespace norvane::platform::core::thread {
 namespace {
 
-// A waiter that was overlooked looks again by itself.
-constexpr std::chrono::milliseconds kLongestSleep{1};
+// Set beside the owner's number while others may wait.
+constexpr std::uint64_t kAwaited = 1;
 
-// Numbers are never used again, so that a thread that has ended is not taken for another one.
+// Even, so that there is room for the mark. Numbers are never used again, so that a thread that has ended is
+// not taken for another one.
 std::uint64_t newNumber() noexcept {
     static std::atomic<std::uint64_t> last{0};
-    return ++last;
+    return last += 2;
 }
 
 // Of a library, thread-local data is otherwise looked up by a call. Only little of it may be of this kind.
@@ -91,30 +92,30 @@ void RecursiveMutex::lock() {
     depth_ = 1;
 }
 
-// Who begins to wait at this very moment may not be seen yet: a store and a look cost much less than an
-// exchange, and nearly every time nobody waits.
+// Whoever takes it next may end it at once: nothing of it is looked at behind the exchange, only its address
+// is told to those who wait.
 void RecursiveMutex::unlock() noexcept {
     if (--depth_ != 0) return;
-    owner_.store(0, std::memory_order_release);
-    std::atomic_signal_fence(std::memory_order_seq_cst);
-    if (waiters_.load(std::memory_order_relaxed) != 0) wake();
+    if ((owner_.exchange(0) & kAwaited) != 0) owner_.notify_one();
+}
+
+std::uint64_t RecursiveMutex::owner() const noexcept {
+    return owner_.load(std::memory_order_relaxed) & ~kAwaited;
 }
 
 std::uint32_t RecursiveMutex::depth() const noexcept { return owner() == thisThread() ? depth_ : 0; }
 
-void RecursiveMutex::wait(std::uint64_t self) {
-    std::unique_lock lock(waiting_);
-    ++waiters_;
-    for (std::uint64_t seen = 0;
-         !owner_.compare_exchange_weak(seen, self, std::memory_order_acquire, std::memory_order_relaxed);
-         seen = 0)
-        if (seen != 0) released_.wait_until(lock, std::chrono::system_clock::now() + kLongestSleep);
-    --waiters_;
-}
-
-[[gnu::cold]] void RecursiveMutex::wake() noexcept {
-    { const std::lock_guard lock(waiting_); }
-    released_.notify_one();
+// Whoever has waited goes on with the mark, since there may be others: the last of them wakes nobody, once.
+void RecursiveMutex::wait(std::uint64_t self) noexcept {
+    std::uint64_t seen = 0;
+    while (!owner_.compare_exchange_weak(seen, self | kAwaited, std::memory_order_acquire,
+                                         std::memory_order_relaxed)) {
+        const std::uint64_t awaited = seen | kAwaited;
+        if (seen == awaited ||
+            (seen != 0 && owner_.compare_exchange_weak(seen, awaited, std::memory_order_relaxed)))
+            owner_.wait(awaited);
+        seen = 0;
+    }
 }
 
 Mutex::ScopedLock::ScopedLock(Mutex& mutex) : mutex_(mutex.mutex_) {

@@ -1,9 +1,7 @@
 #pragma once
 
 #include <atomic>
-#include <condition_variable>
 #include <cstdint>
-#include <mutex>
 
 #include "norvane/platform/core/Export.h"
 
@@ -33,15 +31,11 @@ class QVT_CORE_API RecursiveMutex {
   private:
     friend class WaitGraph;
 
-    std::uint64_t owner() const noexcept { return owner_.load(std::memory_order_relaxed); }
-    void wait(std::uint64_t self);
-    void wake() noexcept;
+    std::uint64_t owner() const noexcept;
+    void wait(std::uint64_t self) noexcept;
 
-    std::atomic<std::uint64_t> owner_{0};  // the number of a thread, 0 for none
+    std::atomic<std::uint64_t> owner_{0};  // the number of a thread, 0 for none; odd while others may wait
     std::uint32_t depth_ = 0;
-    std::atomic<std::uint32_t> waiters_{0};
-    std::mutex waiting_;
-    std::condition_variable released_;
 };
 
 }  // namespace norvane::platform::core::thread

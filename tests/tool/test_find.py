@@ -112,6 +112,14 @@ class Types(FindTest):
                          (2, "qvt: error: nod is neither node, group, link or table nor a type; did you mean node?\n"))
 
 
+    def test_ThatAreEmptyAreWrongUsage(self):
+        self.document(MODEL)
+        for option in ("--name", "--class", "--type", "--unit", "--value"):
+            result = self.run_tool("find", "model.xml", option, "")
+            self.assertEqual((result.status, result.out, result.err),
+                             (2, "", f"qvt: error: {option}: is empty (see qvt find --help)\n"))
+
+
 class Values(FindTest):
     def test_AreComparedInEveryUnitOfTheDimension(self):
         self.assertEqual(self.found("--value", "> 5 Meter"), ["g.inches"])
@@ -137,6 +145,22 @@ class Values(FindTest):
         self.assertEqual(self.found("--value", "= 18446744073709551614"), [])
         self.assertEqual(self.found("--value", "= 9007199254740993"), ["g.odd"])
         self.assertEqual(self.found("--value", "= 0.1"), ["g.tenth"])
+
+    def test_AreFoundAsTheyAreWritten(self):
+        numbers = ["5.1", "0.1", "-4.2", "1e300", "100.1", "3.4e38", "9007199254740993", "0.30000000000000004"]
+        values = "".join(f'<double name="d{i}" units="Kilowatt">{number}</double>' for i, number in enumerate(numbers))
+        text = f'<root name="r"><group name="g">{values}<vector2 name="v">5.2 0.3</vector2></group></root>'
+        for i, number in enumerate(numbers):
+            self.assertEqual(self.found("--value", f"= {number} Kilowatt", text=text), [f"g.d{i}"])
+            self.assertNotIn(f"g.d{i}", self.found("--value", f"< {number}", text=text))
+            self.assertNotIn(f"g.d{i}", self.found("--value", f"> {number}", text=text))
+        self.assertEqual(self.found("--value", "0.3", text=text), ["g.v"])
+        self.assertEqual(self.found("--value", "> 1e400", text=text), [])
+
+    def test_AreEqualWhereTheOtherScaleBegins(self):
+        text = '<root name="r"><group name="g"><double name="ice" units="DegreeCelsius">0</double></group></root>'
+        for operator, expected in (("=", ["g.ice"]), ("<=", ["g.ice"]), (">=", ["g.ice"]), ("<", []), (">", [])):
+            self.assertEqual(self.found("--value", f"{operator} 32 DegreeFahrenheit", text=text), expected)
 
     def test_OfTextsMatchOrAreEqual(self):
         self.assertEqual(self.found("--value", "Acme*"), ["g.text"])

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <limits>
 #include <utility>
 
 #include "Nearest.h"
@@ -17,6 +18,15 @@ namespace qvt {
 namespace {
 
 constexpr const char* kBlanks = " \t";
+
+// The text is read anew: what has been rounded to a longer number would be rounded twice.
+template <class T>
+T rounded(const char* begin, const char* end, long double number) {
+    T result = 0;
+    if (std::from_chars(begin, end, result).ec == std::errc()) return result;
+    const T limit = std::fabs(number) > 1 ? std::numeric_limits<T>::infinity() : T{0};
+    return number < 0 ? -limit : limit;
+}
 
 std::string trimmed(const std::string& text) {
     const std::size_t begin = text.find_first_not_of(kBlanks);
@@ -63,6 +73,8 @@ void Condition::takeNumber(const std::string& text) {
     long double number = 0;
     const auto [end, error] = std::from_chars(text.data() + sign, text.data() + text.size(), number);
     if (error != std::errc()) return;
+    double_ = rounded<double>(text.data() + sign, end, number);
+    single_ = rounded<float>(text.data() + sign, end, number);
     const std::string rest(end, text.data() + text.size());
     if (rest.empty())
         number_ = number;
@@ -102,15 +114,10 @@ bool Condition::isMetByText(const std::string& text) const {
 }
 
 bool Condition::isMetByNumbers(IPrimitive& primitive) {
-    const std::optional<long double> wanted = wantedIn(primitive.units());
+    const std::optional<Wanted> wanted = wantedFor(primitive);
     if (!wanted || (isTruth_ && primitive.dataType() != metadata::kBool)) return false;
-    const bool isSingle = primitive.dataType() == metadata::kScalar;
-    const bool isConverted = unit_ != 0 && unit_ != primitive.units();
-    // What was rounded on its way is equal if it is so to within the rounding.
-    const long double slack = isConverted ? (isSingle ? 1e-6L : 1e-12L) * std::fabs(*wanted) : 0;
-    const long double exact = isSingle && !isConverted ? static_cast<float>(*wanted) : *wanted;
     return Value(primitive, nullptr).hasNumber([&](long double number) {
-        return isMetByNumber(number, exact, slack);
+        return isMetByNumber(number, wanted->number, wanted->slack);
     });
 }
 
@@ -134,8 +141,16 @@ bool Condition::isMetByNumber(long double number, long double wanted, long doubl
     return false;
 }
 
-std::optional<long double> Condition::wantedIn(std::uint32_t unit) {
-    if (unit_ == 0 || unit_ == unit) return number_;
+std::optional<Condition::Wanted> Condition::wantedFor(IPrimitive& primitive) {
+    const std::uint32_t unit = primitive.units();
+    const std::uint32_t type = primitive.dataType();
+    if (unit_ == 0 || unit_ == unit) return Wanted{asKept(type), 0};
+    return converted(unit, type == metadata::kScalar ? 1e-6L : 1e-12L);
+}
+
+// What was rounded on its way is equal if it is so to within the rounding, which is that of the largest
+// number on the way: near zero of the one scale the other may be far from its own.
+std::optional<Condition::Wanted> Condition::converted(std::uint32_t unit, long double precision) {
     if (!sharesDimension(unit_, unit)) return std::nullopt;
     const std::optional<UnitScale> from = scaleOf(unit_);
     const std::optional<UnitScale> to = scaleOf(unit);
@@ -143,7 +158,14 @@ std::optional<long double> Condition::wantedIn(std::uint32_t unit) {
         incomparable_ = unit;
         return std::nullopt;
     }
-    return (*number_ * from->factor + from->offset - to->offset) / to->factor;
+    const long double coherent = *number_ * from->factor + from->offset;
+    const long double largest = std::fmax(std::fabs(*number_ * from->factor), std::fabs(coherent));
+    return Wanted{(coherent - to->offset) / to->factor, precision * largest / to->factor};
+}
+
+long double Condition::asKept(std::uint32_t type) const {
+    if (type == metadata::kScalar) return single_;
+    return type >= metadata::kDouble && type <= metadata::kMatrix4x4 ? double_ : *number_;
 }
 
 }  // namespace qvt

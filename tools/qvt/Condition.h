@@ -34,13 +34,23 @@ class Condition {
     bool isMetByText(const std::string& text) const;
     bool isMetByNumber(long double number, long double wanted, long double slack) const;
     bool isMetByNumbers(IPrimitive& primitive);
-    // The number that is asked for in the primitive's own unit; nothing if it has none of the dimension.
-    std::optional<long double> wantedIn(std::uint32_t unit);
+    // A number in the unit of a primitive, and what its rounding may be off by.
+    struct Wanted {
+        long double number;
+        long double slack;
+    };
+    // The number that is asked for; nothing if the primitive has no unit of its dimension.
+    std::optional<Wanted> wantedFor(IPrimitive& primitive);
+    std::optional<Wanted> converted(std::uint32_t unit, long double precision);
+    // As a primitive of that type would keep it.
+    long double asKept(std::uint32_t type) const;
 
     Operator operator_ = Operator::like;
     std::string text_;
     Glob glob_;
     std::optional<long double> number_;
+    double double_ = 0;  // the same number as the types of floating point round it
+    float single_ = 0;
     bool isTruth_ = false;  // "true" or "false", for bools alone
     std::uint32_t unit_ = 0;
     std::uint32_t incomparable_ = 0;

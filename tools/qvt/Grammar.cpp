@@ -114,6 +114,10 @@ void addFinding(CLI::App& app, Options& options) {
     addName(app, "--unit", options.unit, "primitives in this unit", "UNIT");
     app.add_option("--value", options.condition, "primitives of such values, as '> 3.5 Meter' or 'Ac*'")
         ->type_name("CONDITION");
+    // A word that a script left empty would find everything.
+    for (const char* option : {"--name", "--class", "--type", "--unit", "--value"})
+        app.get_option(option)->check(
+            [](const std::string& text) { return text.empty() ? std::string("is empty") : std::string(); });
     app.add_flag("--values", options.values, "print values and units too");
 }
 

@@ -242,9 +242,28 @@ std::uint32_t slotOf(const View& list, std::uint32_t value) {
     return index;
 }
 
-void shorten(IDataStore* store, std::uint32_t offset, std::uint32_t size) {
+// Puts a value back at its position of a list that has moved up over it.
+void moveDown(IDataStore* store, std::uint32_t offset, std::uint32_t position, std::uint32_t value) {
     const Snapshot record(store, offset);
-    store->write(offset, record->bytes(), size, true);
+    const std::uint32_t behind = position + 4;
+    store->patch(offset, behind, record->bytes() + position, record->size() - behind, true);
+    store->patch(offset, position, &value, sizeof value, true);
+}
+
+// Lets go of the last value, which stands twice since the others have moved up over `value`. Where the store
+// fails, the list is as it was.
+void shorten(IDataStore* store, std::uint32_t offset, std::uint32_t size, std::uint32_t position,
+             std::uint32_t value) {
+    try {
+        const Snapshot record(store, offset);
+        store->write(offset, record->bytes(), size, true);
+    } catch (...) {
+        try {
+            moveDown(store, offset, position, value);
+        } catch (...) {  // the first failure is the one to tell
+        }
+        throw;
+    }
 }
 
 }  // namespace
@@ -259,7 +278,7 @@ bool removeListed(IDataStore* store, std::uint32_t offset, std::uint32_t value) 
         if (slot == list.valueCount()) return false;
         const std::uint32_t position = kOffsetsHeader + slot * 4;
         if (store->patch(offset, position, list.bytes() + position + 4, size - position - 4, true)) {
-            shorten(store, offset, size - 4);
+            shorten(store, offset, size - 4, position, value);
             return true;
         }
     }

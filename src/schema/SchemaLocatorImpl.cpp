@@ -52,8 +52,13 @@ SharedPtr<metadata::ISchema> SchemaLocatorImpl::locate(WideString names) {
 void SchemaLocatorImpl::addStore(IDataStore* store) {
     if (!store) return;
     const std::lock_guard lock(mutex_);
-    storeSet_.insert({store, true});
-    storeList_ = listWithout(nullptr);
+    const bool isNew = storeSet_.insert({store, true});
+    try {
+        storeList_ = listWithout(nullptr);
+    } catch (...) {
+        if (isNew) storeSet_.erase(store);
+        throw;
+    }
 }
 
 bool SchemaLocatorImpl::removeStore(IDataStore* store) {

@@ -28,10 +28,6 @@ XMLParsingLogic::XMLParsingLogic(IDataStore* store, Metadata::Item* target, meta
       isLocatorForeign_(locator && !dynamic_cast<Schema::SchemaLocatorImpl*>(locator)) {}
 
 XMLParsingLogic::~XMLParsingLogic() {
-    try {
-        pausing();
-    } catch (...) {  // the store has failed; it is told no more
-    }
     for (const OpenElement& open : stack_) {
         if (open.object == target_) continue;
         open.object->abandon();

@@ -5,6 +5,7 @@
 #include "records/Records.h"
 #include "support/LoggingStore.h"
 #include "support/RecordBytes.h"
+#include "support/ThrowingStore.h"
 
 namespace norvane::platform::test {
 namespace {
@@ -165,6 +166,25 @@ TEST_P(RemoveListedTest, AnAbsentValueAndWhatIsNoListAreLeftAlone) {
     EXPECT_FALSE(Record::removeListed(&store_, IDataStore::BADOFF, 3));
 
     EXPECT_EQ(store_.changes().size(), 0u);
+}
+
+TEST_P(RemoveListedTest, AStoreThatFailsOnceKeepsTheWholeList) {
+    MemoryDataStore memory;
+    ThrowingStore store(memory, GetParam());
+    const RecordBytes whole = listOf({1, 2, 3, 4}).raw("xy");
+    const std::uint32_t offset = appendTo(store, whole);
+    std::uint64_t call = 1;
+    for (;; ++call) {
+        store.throwAt(call);
+        try {
+            Record::removeListed(&store, offset, 2);
+            break;
+        } catch (const StoreFailure&) {
+        }
+        ASSERT_EQ(recordAt(memory, offset), whole) << "call " << call;
+    }
+    EXPECT_GT(call, 2u);
+    EXPECT_EQ(recordAt(memory, offset), listOf({1, 3, 4}).raw("xy"));
 }
 
 INSTANTIATE_TEST_SUITE_P(Stores, RemoveListedTest, testing::Values(Extensions::off, Extensions::on));

@@ -106,7 +106,10 @@ std::uint32_t PendingValue::store(std::size_t valueSize, std::size_t writtenSize
 // How many bytes the text makes, which are kept until they are laid down.
 std::size_t PendingValue::valueSizeOf(const std::string& text) {
     if (metadata::isTextType(type_)) return readText(text);
-    if (type_ == metadata::kBinary) return readBinary(text);
+    if (type_ == metadata::kBinary) {
+        decodeBase64(text, bytes_);
+        return bytes_.size();
+    }
     numbers_.read(text, type_);
     return numbers_.count() * metadata::elementSize(type_);
 }
@@ -115,12 +118,6 @@ std::size_t PendingValue::readText(const std::string& text) {
     text_.clear();
     StringAlgorithm::UTF8Decode(text, text_);
     return (text_.size() + 1) * sizeof(tWChar);
-}
-
-std::size_t PendingValue::readBinary(const std::string& text) {
-    bytes_.resize(StringAlgorithm::DecodeBase64(text.data(), text.size(), nullptr, 0));
-    StringAlgorithm::DecodeBase64(text.data(), text.size(), bytes_.data(), bytes_.size());
-    return bytes_.size();
 }
 
 void PendingValue::lay(std::byte* value, std::size_t size) {

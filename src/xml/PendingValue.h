@@ -33,7 +33,6 @@ class PendingValue {
   private:
     bool take(Attributes attributes);
     std::size_t readText(const std::string& text);
-    std::size_t readBinary(const std::string& text);
     std::size_t valueSizeOf(const std::string& text);
     void lay(std::byte* value, std::size_t size);
     std::uint32_t store(std::size_t valueSize, std::size_t writtenSize);

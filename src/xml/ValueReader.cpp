@@ -82,9 +82,14 @@ std::uint32_t presetCount(std::uint32_t type, const char* dimension) {
     return dimension && std::sscanf(dimension, "%u", &count) == 1 ? count : 0;
 }
 
-void readBinary(Design::Primitive& primitive, const std::string& text) {
-    std::vector<std::byte> bytes(StringAlgorithm::DecodeBase64(text.data(), text.size(), nullptr, 0));
+void decodeBase64(const std::string& text, std::string& bytes) {
+    bytes.resize(StringAlgorithm::DecodeBase64(text.data(), text.size(), nullptr, 0));
     StringAlgorithm::DecodeBase64(text.data(), text.size(), bytes.data(), bytes.size());
+}
+
+void readBinary(Design::Primitive& primitive, const std::string& text) {
+    std::string bytes;
+    decodeBase64(text, bytes);
     writeOrThrow(primitive, bytes.data(), 0, bytes.size());
 }
 

@@ -14,10 +14,13 @@ namespace norvane::platform::data {
 // others the `dim` attribute tells, which may be null.
 std::uint32_t presetCount(std::uint32_t type, const char* dimension);
 
+// The bytes of a text in Base64, up to the first character that is none, in place of what was there.
+void decodeBase64(const std::string& text, std::string& bytes);
+
 // Each of these lays what the text holds over the value that is there and never shortens it. A value that
 // does not fit a record is thrown as `TooLarge`.
 
-// Base64, up to the first character that is none.
+// Base64.
 void readBinary(Design::Primitive& primitive, const std::string& text);
 
 // The text as it stands, white space included, with its NUL, from that element on.

@@ -33,7 +33,7 @@ const Verb kCheck{
     "look for damage in a store",
     "Looks at the file, at every record, and at how records hang together, and changes nothing. One line\n"
     "for each error and warning: the record, the path, what it is; notes are counted, and listed in JSON.\n"
-    "Exit status 0 if nothing is an error, 4 if something is. -q prints nothing.",
+    "Exit status 0 if nothing is an error, 4 if something is. -q prints nothing but JSON.",
     "  qvt check plant.qvt\n"
     "  qvt check plant.qvt -f json",
     Verb::kFile | Verb::kJson | Verb::kAnswers,

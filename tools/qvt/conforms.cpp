@@ -41,7 +41,7 @@ const Verb kConforms{
     "tell whether an object satisfies a class",
     "Prints yes (exit status 0) or no (1). An object satisfies a class when its own class text names it,\n"
     "or when all members of the class occur among its children, in order, with the same names and types.\n"
-    "CLASS may be several names joined by \";\". -q prints nothing.",
+    "CLASS may be several names joined by \";\". -q prints nothing but JSON.",
     "  qvt conforms plant.qvt hall.p1 Types.Pump",
     Verb::kStore | Verb::kSchemas | Verb::kAnswers | Verb::kPath | Verb::kClass | Verb::kJson,
     conforms};

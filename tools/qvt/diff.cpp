@@ -299,7 +299,8 @@ const Verb kDiff{
     "                         defaults, locale; order of children, unless --ignore-order; of two roots\n"
     "                         their name and version\n"
     "Numbers are compared as they are stored; units are not converted.\n"
-    "Exit status 0 if nothing differs, 1 if something does, or a document had reports. -q prints nothing.",
+    "Exit status 0 if nothing differs, 1 if something does, or a document had reports. -q prints nothing but "
+    "JSON.",
     "  qvt diff plant.qvt plant.xml\n"
     "  qvt diff plant.qvt plant.qvt hall.p1 hall.p3\n"
     "  qvt diff plant.qvt old.qvt hall -f json",

@@ -32,6 +32,19 @@ class OverlayMemoryTest : public testing::Test {
             ASSERT_EQ(bytes(offset), offset == absent ? "" : recordBytes(offset));
     }
 
+    // Entities that nobody has open, and handles on all of them or on none.
+    std::vector<std::uint32_t> appendClosed() {
+        const std::string record = entity(0, std::string(kRecordSize, '\0'));
+        std::vector<std::uint32_t> offsets(kRecords);
+        for (std::uint32_t& offset : offsets) offset = store->append(record.data(), sizeOf(record));
+        return offsets;
+    }
+    void setOpen(const std::vector<std::uint32_t>& offsets, char count) {
+        std::string record = entity(0, std::string(kRecordSize, '\0'));
+        record[5] = count;
+        for (const std::uint32_t offset : offsets) store->write(offset, record.data(), sizeOf(record), false);
+    }
+
     MemoryBackend backend;
     std::unique_ptr<OverlayStore> store;
 };
@@ -152,14 +165,9 @@ TEST_F(OverlayMemoryTest, MuchThatCannotGoIsNotLookedAtForEachRecord) {
 }
 
 TEST_F(OverlayMemoryTest, SmallCommitsWhileMuchIsOpenLeaveInMemoryWhatIsThere) {
-    const std::string closed = entity(0, std::string(kRecordSize, '\0'));
-    std::string open = closed;
-    open[5] = 1;
-    std::vector<std::uint32_t> offsets;
-    for (std::uint32_t i = 0; i < kRecords; ++i)
-        offsets.push_back(store->append(closed.data(), sizeOf(closed)));
+    const std::vector<std::uint32_t> offsets = appendClosed();
     store->overlay.commit();
-    for (const std::uint32_t offset : offsets) store->write(offset, open.data(), sizeOf(open), false);
+    setOpen(offsets, 1);
     store->overlay.commit();
     bytes(17);
     const std::size_t loads = backend.loads();
@@ -174,17 +182,12 @@ TEST_F(OverlayMemoryTest, SmallCommitsWhileMuchIsOpenLeaveInMemoryWhatIsThere) {
 }
 
 TEST_F(OverlayMemoryTest, WhatWasClosedGoesAtTheNextCommit) {
-    const std::string closed = entity(0, std::string(kRecordSize, '\0'));
-    std::string open = closed;
-    open[5] = 1;
-    std::vector<std::uint32_t> offsets;
-    for (std::uint32_t i = 0; i < kRecords; ++i)
-        offsets.push_back(store->append(closed.data(), sizeOf(closed)));
-    for (const std::uint32_t offset : offsets) store->write(offset, open.data(), sizeOf(open), false);
+    const std::vector<std::uint32_t> offsets = appendClosed();
+    setOpen(offsets, 1);
     store->overlay.commit();
     EXPECT_GT(store->overlay.residentBytes(), kRecords * kRecordSize);
 
-    for (const std::uint32_t offset : offsets) store->write(offset, closed.data(), sizeOf(closed), false);
+    setOpen(offsets, 0);
     store->patch(offsets[0], 50, "changed", 7, true);
     store->overlay.commit();
 

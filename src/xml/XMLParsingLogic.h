@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "norvane/platform/core/xml/IXMLPauses.h"
 #include "norvane/platform/core/xml/XMLCallback.h"
 #include "norvane/platform/data/format/xml/IErrorReporter.h"
 #include "xml/KeywordTable.h"
@@ -24,7 +25,7 @@ namespace norvane::platform::data {
 //
 // Lives for one document. Everything that it needs is a member, so that a reporter or a locator may read
 // another document meanwhile.
-class XMLParsingLogic final : public core::xml::XMLCallback {
+class XMLParsingLogic final : public core::xml::XMLCallback, public core::xml::IXMLPauses {
   public:
     // All are borrowed. With a target, the document element stands for that open object; without, it becomes
     // a new tree. Target, locator and reporter may be null.

@@ -10,6 +10,7 @@
 #include "norvane/platform/core/string/WideString.h"
 #include "norvane/platform/core/tracer/ISink.h"
 #include "norvane/platform/core/xml/IXMLParseListener.h"
+#include "norvane/platform/core/xml/IXMLPauses.h"
 #include "norvane/platform/core/xml/XMLCallback.h"
 #include "norvane/platform/core/xml/XMLParser.h"
 #include "norvane/platform/core/xml/XMLSerializer.h"
@@ -60,6 +61,7 @@ template struct Probe<core::string::IString>;
 template struct Probe<core::string::WideString>;
 template struct Probe<core::tracer::ISink>;
 template struct Probe<core::xml::IXMLParseListener>;
+template struct Probe<core::xml::IXMLPauses>;
 template struct Probe<core::xml::XMLCallback>;
 template struct Probe<core::xml::XMLParser>;
 template struct Probe<core::xml::XMLSerializer>;

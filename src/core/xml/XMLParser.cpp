@@ -13,6 +13,7 @@
 
 #include "core/xml/EntityReferences.h"
 #include "norvane/platform/core/xml/IXMLParseListener.h"
+#include "norvane/platform/core/xml/IXMLPauses.h"
 
 namespace norvane::platform::core::xml {
 
@@ -58,7 +59,10 @@ tPlace placeOf(XML_Parser parser) {
 // throws is kept, stops the parser, and is thrown again when expat has returned.
 class Run {
   public:
-    explicit Run(XMLCallback& callback) : callback_(callback), parser_(XML_ParserCreate(nullptr)) {
+    explicit Run(XMLCallback& callback)
+        : callback_(callback),
+          pauses_(dynamic_cast<IXMLPauses*>(&callback)),
+          parser_(XML_ParserCreate(nullptr)) {
         if (!parser_) throw std::bad_alloc();
         XML_SetUserData(parser_.get(), this);
         XML_SetElementHandler(parser_.get(), onStart, onEnd);
@@ -78,7 +82,7 @@ class Run {
         for (bool atEnd = false; !atEnd && !isStopped();) {
             void* buffer = XML_GetBuffer(parser_.get(), static_cast<int>(wanted));
             if (!buffer) throw std::bad_alloc();
-            callback_.pausing();
+            pause();
             const std::size_t count = fill(reader, static_cast<char*>(buffer), wanted);
             atEnd = count < wanted;
             eventCame_ = false;
@@ -87,6 +91,10 @@ class Run {
             // is met with larger and larger ones.
             wanted = eventCame_ ? kPiece : std::min(wanted * 2, kLargestPiece);
         }
+    }
+
+    void pause() {
+        if (pauses_) pauses_->pausing();
     }
 
   private:
@@ -188,6 +196,7 @@ class Run {
     }
 
     XMLCallback& callback_;
+    IXMLPauses* pauses_;  // the callback, if it wants to hear of pauses
     ParserHandle parser_;
     std::exception_ptr thrown_;
     std::string wrong_;
@@ -264,7 +273,7 @@ bool XMLParser::parseDocument(io::IDataReader* reader) {
         }
     };
     attempt([&] { run.read(*reader); });
-    attempt([&] { state_->callback.pausing(); });
+    attempt([&] { run.pause(); });
     state_->end(run.place(), run.wrong());
     if (thrown || !state_->wrong.empty())
         audience.stopped(state_->lastPlace, thrown ? describe(thrown) : state_->wrong);

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "norvane/platform/core/io/MemoryReader.h"
+#include "norvane/platform/core/xml/IXMLPauses.h"
 #include "norvane/platform/core/xml/XMLParser.h"
 #include "support/EventLog.h"
 
@@ -286,7 +287,7 @@ TEST(XMLParserTest, HundredThousandLevelsAreRead) {
 }
 
 // Has both sides of a parse in one text.
-class Pauses : public EventLog {
+class Pauses : public EventLog, public IXMLPauses {
   public:
     void pausing() override { add("(pausing)"); }
 };
@@ -316,6 +317,18 @@ TEST(XMLParserTest, CallbackIsToldOfTheEndOfAParseThatFails) {
     XMLParser parser(log);
     EXPECT_THROW(parser.parseDocument(&reader), std::runtime_error);
     EXPECT_EQ(log.text(), "(pausing)(read)(read)<a>(pausing)");
+}
+
+TEST(XMLParserTest, WhatIsThrownInThePauseBehindTheLastEventComesOut) {
+    struct Failing : Pauses {
+        void pausing() override {
+            if (!text().empty()) throw std::runtime_error("no");
+        }
+    } log;
+    io::MemoryReader reader("<a></a>");
+    XMLParser parser(log);
+    EXPECT_THROW(parser.parseDocument(&reader), std::runtime_error);
+    EXPECT_EQ(log.text(), "<a></a>");
 }
 
 // Asks for the place of each event.

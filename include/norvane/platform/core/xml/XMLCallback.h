@@ -6,6 +6,7 @@ namespace norvane::platform::core::xml {
 
 /// Receives a document from XMLParser, piece by piece. All text is UTF-8 and belongs to the parser for the
 /// length of the call. What a callback throws ends the parse and comes out of `XMLParser::parseDocument`.
+/// One that keeps back what it is told until it knows the rest implements IXMLPauses as well.
 /// Slots keep this order, new ones go last.
 class QVT_CORE_API XMLCallback {
   public:
@@ -21,9 +22,6 @@ class QVT_CORE_API XMLCallback {
     virtual void processingInstruction(const char* target, const char* data) = 0;
     /// `length` bytes of text without a NUL. One run of text may come in several calls.
     virtual void characterData(const char* text, int length) = 0;
-    /// Somebody else's code may run next: the parser turns to its reader for more, or is done, well or not.
-    /// So whoever keeps back what it was told, until it knows the rest, stops here.
-    virtual void pausing() {}
 };
 
 }  // namespace norvane::platform::core::xml

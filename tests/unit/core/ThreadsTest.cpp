@@ -87,6 +87,53 @@ TEST(ThreadsTest, PointeeIsRevivedOrGoneNeverBoth) {
     }
 }
 
+// Lets both of two threads go on when the second of them is there.
+void meet(std::atomic<int>& arrived) {
+    ++arrived;
+    for (int looks = 0; arrived != 2; ++looks)
+        if (looks > 1000) std::this_thread::yield();
+}
+
+// Two threads drop the last two strong references; one of them holds a weak one, and looks again at once. A
+// pointee that was counted out may not come back, since the other thread is about to delete it.
+TEST(ThreadsTest, PointeeThatNobodyHoldsIsNeverRevived) {
+    std::atomic<int> deletions{0};
+    std::atomic<int> cameBack{0};
+    struct Round {
+        memory::IPointerCounter* counter;
+        std::atomic<int> arrived{0};
+    };
+    std::vector<Round> rounds(kRounds * 10);
+    for (Round& round : rounds) {
+        round.counter = new memory::_Private::_Counter::_CounterImp<Pointee>(new Pointee(deletions));
+        for (int times = 0; times < 2; ++times) {
+            round.counter->addWeak();
+            round.counter->addStrong();
+        }
+    }
+
+    std::thread dropping([&] {
+        for (Round& round : rounds) {
+            meet(round.arrived);
+            round.counter->releaseStrong();
+        }
+    });
+    for (Round& round : rounds) {
+        meet(round.arrived);
+        round.counter->releaseStrong();
+        const bool wasGone = round.counter->strongCount() == 0;
+        if (round.counter->addStrong()) {
+            if (wasGone) ++cameBack;
+            round.counter->releaseStrong();
+        }
+        round.counter->releaseWeak();
+    }
+    dropping.join();
+
+    EXPECT_EQ(cameBack, 0);
+    EXPECT_EQ(deletions, static_cast<int>(rounds.size()));
+}
+
 TEST(ThreadsTest, CopiesOfOneTextGoToSeveralThreads) {
     const string::WideString shared(u"shared text");
     onThreads([&](int) {

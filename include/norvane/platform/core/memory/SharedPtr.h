@@ -65,17 +65,14 @@ class QVT_CORE_API DefaultPointerCounterImp : public IPointerCounter {
         return false;
     }
 
-    // The last reference goes in one step with the pointee, unless a weak holder has added one meanwhile:
-    // then this is one of several. Only the thread that took the count from 1 to 0 goes on: once it is 0, any
-    // other thread may end the counter, so that nobody else may look at it again. The exchange fails if a
-    // weak holder has revived the pointee.
+    // The last reference goes in one step with the pointee: a count that stood at 0 in between could be
+    // raised by a weak holder, who would then end the counter under this thread. For the same reason nobody
+    // looks at the counter again who has taken away a reference that was not the last.
     void releaseStrong() override {
-        std::uint64_t last = 1;
-        if (strong_.load() != 1 || !strong_.compare_exchange_strong(last, kDisposed)) {
-            if (strong_.fetch_sub(1) != 1) return;
-            std::uint64_t none = 0;
-            if (!strong_.compare_exchange_strong(none, kDisposed)) return;
+        std::uint64_t seen = strong_.load();
+        while (!strong_.compare_exchange_weak(seen, seen == 1 ? kDisposed : seen - 1)) {
         }
+        if (seen != 1) return;
         const WeakRelease releaseAtEnd{*this};
         dispose();
     }

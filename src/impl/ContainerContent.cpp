@@ -55,7 +55,7 @@ struct Place {
 };
 
 void renameCopy(IDataStore* store, std::uint32_t offset, std::u16string_view name) {
-    Record::Property record(store, offset);
+    Record::Entity record(store, offset);
     const auto kind = static_cast<Record::Kind>(record.view().kind());
     record.setField(Record::nameSizeField(kind), std::u16string(name).c_str(), Record::storedSize(name));
 }

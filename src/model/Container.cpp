@@ -47,7 +47,7 @@ std::uint32_t Container::clone(IDataStore* target) {
 }
 
 void Container::setLinkTarget(const tWChar* path) {
-    Record::Container record(store(), offset());
+    Record::Entity record(store(), offset());
     if (isInert()) return;
     record.setField(field::linkTargetSize, path, path ? Record::storedSize(path) : 0);
     linkTarget_ = Record::textOf(path);

@@ -66,13 +66,13 @@ std::uint32_t Primitive::count() const {
 }
 
 // Whether the record is still there and has room for such a section in place of the one it has.
-bool Primitive::takes(const Record::Primitive& record, Record::U32 sizeField, std::uint64_t size) const {
+bool Primitive::takes(const Record::Entity& record, Record::U32 sizeField, std::uint64_t size) const {
     return !isInert() && record.view().isWhole(Record::Kind::primitive) && record.takes(sizeField, size);
 }
 
 bool Primitive::setStructType(const tWChar* name) {
     if (dataType_ != kStruct || !name) return false;
-    Record::Primitive record(store(), offset());
+    Record::Entity record(store(), offset());
     const std::uint64_t size = Record::storedSize(name);
     if (!takes(record, field::structTypeSize, size)) return false;
     record.setField(field::structTypeSize, name, size);
@@ -82,7 +82,7 @@ bool Primitive::setStructType(const tWChar* name) {
 }
 
 bool Primitive::setUri(const tWChar* uri) {
-    Record::Primitive record(store(), offset());
+    Record::Entity record(store(), offset());
     const std::uint64_t size = uri ? Record::storedSize(uri) : 0;
     if (!takes(record, field::valueSize, size)) return false;
     const std::uint8_t flags = record.view().load(field::flags);
@@ -106,7 +106,7 @@ std::uint32_t Primitive::units() const {
 
 void Primitive::setLocale(const tWChar* tag) {
     if (isInert()) return;
-    Record::Primitive record(store(), offset());
+    Record::Entity record(store(), offset());
     if (tag) {
         record.setField(field::localeTagSize, tag, Record::storedSize(tag));
         localeText_ = tag;
@@ -125,7 +125,7 @@ void Primitive::setLocale(const tWChar* tag) {
 bool Primitive::resize(std::uint32_t count) {
     const std::uint64_t size = std::uint64_t{elementSize()} * count;
     if (hasUri_) return false;
-    Record::Primitive record(store(), offset());
+    Record::Entity record(store(), offset());
     if (!takes(record, field::valueSize, size)) return false;
     record.setField(field::valueSize, nullptr, 0, size);
     valueSize_ = static_cast<std::uint32_t>(size);
@@ -151,7 +151,7 @@ bool Primitive::storeInPlace(const void* source, std::uint64_t position, std::ui
 
 // Makes the value `size` bytes long, in the buffer: what this object knows of it, as far as it is there, and
 // zeros. False when the record does not take that.
-bool Primitive::lengthenValue(Record::Primitive& record, std::uint64_t size) const {
+bool Primitive::lengthenValue(Record::Entity& record, std::uint64_t size) const {
     if (!takes(record, field::valueSize, size)) return false;
     const Record::Section value = record.view().valueSection();
     const std::uint64_t known = count() == 0 ? 0 : valueSize_;
@@ -160,7 +160,7 @@ bool Primitive::lengthenValue(Record::Primitive& record, std::uint64_t size) con
     return true;
 }
 
-std::byte* Primitive::valueIn(Record::Primitive& record) {
+std::byte* Primitive::valueIn(Record::Entity& record) {
     return record.bytes() + record.view().sectionPosition(field::valueSize);
 }
 
@@ -235,7 +235,7 @@ bool Primitive::writeValues(const void* source, std::uint32_t start, std::uint32
     }
     if (position == 0 && storeInstead(from, size)) return true;
     if (storeBehind(from, position, size)) return true;
-    Record::Primitive record(store(), offset());
+    Record::Entity record(store(), offset());
     if (!lengthenValue(record, position + size)) return false;
     std::memcpy(valueIn(record) + position, from, size);
     record.commit();
@@ -282,7 +282,7 @@ bool Primitive::overlayValues(const std::byte* elements, const std::vector<unsig
         if (overlayInPlace(elements, isGiven, count)) return true;
         valueSize_ = Record::Snapshot(store(), offset())->valueSection().size;
     }
-    Record::Primitive record(store(), offset());
+    Record::Entity record(store(), offset());
     if (!takes(record, field::valueSize, 0)) return false;
     if (!lengthenValue(record, count * element)) throw TooLarge();
     overlay(valueIn(record), elements, isGiven, count, element);

@@ -70,15 +70,15 @@ class Primitive final : public Metadata::Item {
     void resizeOrThrow(std::uint32_t count);
 
   private:
-    bool takes(const Record::Primitive& record, Record::U32 sizeField, std::uint64_t size) const;
+    bool takes(const Record::Entity& record, Record::U32 sizeField, std::uint64_t size) const;
     bool storeInPlace(const void* source, std::uint64_t position, std::uint64_t size);
     bool storeInstead(const void* source, std::uint64_t size);
     bool storeAll(const std::byte* elements, std::uint64_t size);
     bool storeBehind(const void* source, std::uint64_t position, std::uint64_t size);
     bool overlayInPlace(const std::byte* elements, const std::vector<unsigned char>& isGiven,
                         std::uint64_t count);
-    bool lengthenValue(Record::Primitive& record, std::uint64_t size) const;
-    static std::byte* valueIn(Record::Primitive& record);
+    bool lengthenValue(Record::Entity& record, std::uint64_t size) const;
+    static std::byte* valueIn(Record::Entity& record);
 
     bool hasUri_ = false;
     std::u16string structTypeName_;

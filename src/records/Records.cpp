@@ -107,13 +107,6 @@ void Base::writeBookkeeping() {
     if (size_ != 0) store_->write(offset_, bytes(), size_, false);
 }
 
-Entity::Entity(IDataStore* store, std::uint64_t size, Kind kind) : Base(store) {
-    allocate(checkedSize(size));
-    set(field::kind, static_cast<std::uint8_t>(kind));
-    set(field::parent, std::uint32_t{IDataStore::BADOFF});
-    set(field::locale, std::uint32_t{IDataStore::BADOFF});
-}
-
 void Entity::replaceSection(U32 sizeField, const void* data, std::uint64_t dataSize, std::uint64_t zeros) {
     const View old = view();
     const Format* format = formatOf(old.kind());
@@ -149,40 +142,6 @@ void Entity::setField(U32 sizeField, const void* data, std::uint64_t dataSize, s
 bool Entity::takes(U32 sizeField, std::uint64_t sectionSize) const {
     const std::uint64_t others = size() - view().section(sizeField).size;
     return others + sectionSize <= store_->recordLimit();
-}
-
-void Entity::putName(U32 sizeField, std::u16string_view name) {
-    set(sizeField, static_cast<std::uint32_t>(storedSize(name)));
-    if (!name.empty()) std::memcpy(bytes() + view().sectionPosition(sizeField), name.data(), name.size() * 2);
-}
-
-Root::Root(IDataStore* store, std::u16string_view name)
-    : Entity(store, formatOf(Kind::root).fixedSize + storedSize(name), Kind::root) {
-    set(field::children, std::uint32_t{IDataStore::BADOFF});
-    putName(field::rootNameSize, name);
-    commit();
-}
-
-Container::Container(IDataStore* store, std::u16string_view name)
-    : Entity(store, formatOf(Kind::container).fixedSize + storedSize(name), Kind::container) {
-    set(field::children, std::uint32_t{IDataStore::BADOFF});
-    putName(field::containerNameSize, name);
-    commit();
-}
-
-Primitive::Primitive(IDataStore* store, std::uint32_t dataType, std::u16string_view name)
-    : Property(store, formatOf(Kind::primitive).fixedSize + storedSize(name), Kind::primitive) {
-    set(field::dataType, dataType);
-    putName(field::primitiveNameSize, name);
-    commit();
-}
-
-Table::Table(IDataStore* store, std::u16string_view name)
-    : Property(store, formatOf(Kind::table).fixedSize + storedSize(name), Kind::table) {
-    set(field::children, std::uint32_t{IDataStore::BADOFF});
-    set(field::defaults, std::uint32_t{IDataStore::BADOFF});
-    putName(field::tableNameSize, name);
-    commit();
 }
 
 Offsets::Offsets(IDataStore* store) : Base(store) {

@@ -127,6 +127,7 @@ class Base {
     Block buffer_;
 };
 
+// A root, a container, a primitive or a table that is there; `NewEntity` makes one.
 class Entity : public Base {
   public:
     using Base::Base;
@@ -139,43 +140,6 @@ class Entity : public Base {
     void setField(U32 sizeField, const void* data, std::uint64_t dataSize, std::uint64_t zeros = 0);
     // Whether the store takes the record with a section of that size in place of the one it has.
     bool takes(U32 sizeField, std::uint64_t sectionSize) const;
-
-  protected:
-    // A new entity of zero bytes but for kind, parent and locale. Stores nothing.
-    Entity(IDataStore* store, std::uint64_t size, Kind kind);
-    void putName(U32 sizeField, std::u16string_view name);
-};
-
-// Each constructor with a name appends the new record.
-
-class Root : public Entity {
-  public:
-    using Entity::Entity;
-    Root(IDataStore* store, std::u16string_view name);
-};
-
-class Container : public Entity {
-  public:
-    using Entity::Entity;
-    Container(IDataStore* store, std::u16string_view name);
-};
-
-// What a primitive and a table have in common: the unit behind the entity header.
-class Property : public Entity {
-  public:
-    using Entity::Entity;
-};
-
-class Primitive : public Property {
-  public:
-    using Property::Property;
-    Primitive(IDataStore* store, std::uint32_t dataType, std::u16string_view name);
-};
-
-class Table : public Property {
-  public:
-    using Property::Property;
-    Table(IDataStore* store, std::u16string_view name);
 };
 
 // A growing list of 32-bit values; how many there are follows from the record's size.

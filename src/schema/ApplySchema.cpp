@@ -30,7 +30,7 @@ bool Structural::Container::importClasses(metadata::ISchema* schema) {
         const StoreGuard guard(layout->table().store());
         importMembers(*this, layout->table());
     }
-    Record::Container(store(), offset())
+    Record::Entity(store(), offset())
         .setField(field::classTextSize, classText_.c_str(), Record::storedSize(classText_));
     return true;
 }
@@ -42,7 +42,7 @@ bool Design::Table::applySchema(const metadata::ISchema* schema) {
         addName(tableClass_, layout->name());
         importMembers(*this, layout->table());
     }
-    Record::Table(store(), offset())
+    Record::Entity(store(), offset())
         .setField(field::tableClassSize, tableClass_.c_str(), Record::storedSize(tableClass_));
     return true;
 }

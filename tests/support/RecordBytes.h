@@ -9,6 +9,7 @@
 
 #include "norvane/platform/core/storage/datastore/IDataStore.h"
 #include "records/Dump.h"
+#include "records/NewEntity.h"
 
 namespace norvane::platform::test {
 
@@ -74,6 +75,13 @@ inline RecordBytes recordAt(IDataStore& store, std::uint32_t offset) {
 
 inline std::uint32_t appendTo(IDataStore& store, const RecordBytes& record) {
     return store.append(record.data(), record.size());
+}
+
+// A new entity that has nothing but its name.
+inline std::uint32_t appendNamed(IDataStore& store, data::Record::Kind kind, std::u16string_view name) {
+    data::Record::NewEntity entity(kind);
+    entity.addText(data::Record::nameSizeField(kind), name);
+    return entity.appendTo(&store);
 }
 
 inline void putAt(IDataStore& store, std::uint32_t offset, const RecordBytes& record) {

@@ -11,7 +11,7 @@ class ContainerTest : public ModelTest {
   protected:
     Offset withClassText(const char16_t* text) {
         const Offset offset = build_.container(root_, u"c");
-        Record::Container(&store_, offset)
+        Record::Entity(&store_, offset)
             .setField(Record::field::classTextSize, text, Record::storedSize(text));
         return offset;
     }

@@ -19,10 +19,10 @@ void fillSample(IDataStore& store) {
     const Offset root = build.root();
     const Offset group = build.container(root, u"g");
     build.localise(group, u"de", u"eins");
-    Record::Container(&store, group).setField(Record::field::classTextSize, u"A;B", 8);
+    Record::Entity(&store, group).setField(Record::field::classTextSize, u"A;B", 8);
     Container(&store, group).setLinkTarget(u"g.t");
     const Offset table = build.table(group, u"t");
-    Record::Table(&store, table).setField(Record::field::tableClassSize, u"C", 4);
+    Record::Entity(&store, table).setField(Record::field::tableClassSize, u"C", 4);
     build.defaults(table, 0x2001, 17);
     build.values<std::int32_t>(table, u"p", 12, {1, 2, 3});
     const Offset structure = build.primitive(table, u"s", 24);

@@ -170,7 +170,7 @@ TEST_F(PrimitiveTest, ElementIsOneComponentOfAVector) {
 
 TEST_F(PrimitiveTest, BytesThatMakeNoWholeElementAreNotCounted) {
     const Offset p = unlisted(u"p", kInt32);
-    Record::Primitive(&store_, p).setField(field::valueSize, "1234567", 7);
+    Record::Entity(&store_, p).setField(field::valueSize, "1234567", 7);
 
     EXPECT_EQ(Primitive(&store_, p).count(), 1u);
     EXPECT_EQ(Primitive(&store_, p).valueSize(), 7u);

@@ -409,7 +409,7 @@ TEST_P(ReferenceTest, ElementsLaidOverAValueAreThoseWrittenOneByOne) {
         const std::string old(dice.below(80), '\x55');  // also with bytes that make no whole element
         for (LoggingStore* store : {&model, &plain}) {
             ModelBuilder(*store).primitive(kUnlisted, u"name", type);
-            Record::Primitive(store, 0).setField(Record::field::valueSize, old.data(), old.size());
+            Record::Entity(store, 0).setField(Record::field::valueSize, old.data(), old.size());
         }
         Primitive open(&model, 0);
         reference::PlainPrimitive other(plain, 0);
@@ -445,9 +445,9 @@ TEST_P(ReferenceTest, ElementsLaidOverAChangedValueAreThoseWrittenOneByOne) {
         std::uint32_t sizes[2] = {};
         for (LoggingStore* store : {&model, &sequence}) {
             ModelBuilder(*store).primitive(kUnlisted, u"name", 12);
-            Record::Primitive(store, 0).setField(Record::field::valueSize, old.data(), old.size());
+            Record::Entity(store, 0).setField(Record::field::valueSize, old.data(), old.size());
             Primitive open(store, 0);
-            Record::Primitive(store, 0).setField(Record::field::valueSize, changed.data(), changed.size());
+            Record::Entity(store, 0).setField(Record::field::valueSize, changed.data(), changed.size());
             if (store == &model) {
                 open.overlayValues(reinterpret_cast<std::byte*>(elements.data()), isGiven);
             } else {

@@ -31,7 +31,7 @@ TEST_F(TableTest, NewTableIsOpenAndHasNeitherChildrenNorDefaults) {
 TEST_F(TableTest, ClassTextIsReadFromTheRecord) {
     EXPECT_EQ(Table(&store_, table_).classText(), u"");
 
-    Record::Table(&store_, table_).setField(field::tableClassSize, u"A;B", 8);
+    Record::Entity(&store_, table_).setField(field::tableClassSize, u"A;B", 8);
 
     EXPECT_EQ(Table(&store_, table_).classText(), u"A;B");
 }
@@ -40,7 +40,7 @@ TEST_F(TableTest, SameMeansNameAndClassText) {
     const Offset other = build_.table(kUnlisted, u"t");
     EXPECT_TRUE(Table(&store_, table_).sameAs(Table(&store_, other)));
 
-    Record::Table(&store_, other).setField(field::tableClassSize, u"A", 4);
+    Record::Entity(&store_, other).setField(field::tableClassSize, u"A", 4);
 
     EXPECT_FALSE(Table(&store_, table_).sameAs(Table(&store_, other)));
     EXPECT_FALSE(Table(&store_, table_).sameAs(Table(&store_, u"u")));

@@ -120,7 +120,7 @@ TEST_F(ValuesTest, GapBehindTheOldEndIsZero) {
 
 TEST_F(ValuesTest, BytesThatMakeNoWholeElementStayWhereTheValueGrows) {
     const Offset p = ints({});
-    Record::Primitive(&store_, p).setField(field::valueSize, "123456", 6);
+    Record::Entity(&store_, p).setField(field::valueSize, "123456", 6);
     const std::int32_t source = 7;
 
     EXPECT_TRUE(Primitive(&store_, p).writeValues(&source, 2, 1));
@@ -212,7 +212,7 @@ TEST_F(ValuesTest, ResizeBeyondWhatARecordTakesIsRefused) {
 TEST_F(ValuesTest, TypesWithoutElementsHoldNothing) {
     for (const std::uint32_t type : {0u, 25u, 0x7FFFFFFFu, 0xFFFFFFFFu}) {
         const Offset p = build_.primitive(kUnlisted, u"p", type);
-        Record::Primitive(&store_, p).setField(field::valueSize, "1234", 4);
+        Record::Entity(&store_, p).setField(field::valueSize, "1234", 4);
         Primitive open(&store_, p);
         char bytes[4] = {};
 
@@ -358,7 +358,7 @@ TEST_F(ValuesTest, StructThatLosesItsLocaleTagLosesItsTypeToo) {
 
 TEST_F(ValuesTest, ValueMayBeginAtAnOddByte) {
     const Offset p = fullStruct();
-    Record::Primitive(&store_, p).setField(field::structTypeSize, "odd", 3);
+    Record::Entity(&store_, p).setField(field::structTypeSize, "odd", 3);
     char target[6] = {};
 
     EXPECT_EQ(Primitive(&store_, p).readValues(target, 0, 5), 5u);

@@ -140,7 +140,7 @@ TEST_F(BufferTest, ListTakesAnotherBufferOnlyWhereItsCapacityEnds) {
 }
 
 TEST_F(BufferTest, ReplacedSectionTakesABufferOfTheNewClass) {
-    Record::Table table(&store_, u"t");
+    Record::Entity table(&store_, appendNamed(store_, Record::Kind::table, u"t"));
 
     table.setField(field::tableClassSize, u"a longer text", 28);
 
@@ -158,13 +158,13 @@ TEST_F(BufferTest, ListThatWasReadGrowsByZeros) {
 }
 
 TEST_F(BufferTest, PoolWithoutMemoryLeavesEverythingAsItWas) {
-    Record::Table table(&store_, u"t");
+    Record::Entity table(&store_, appendNamed(store_, Record::Kind::table, u"t"));
     const RecordBytes before = recordAt(store_, table.offset());
     poolLog().isEmpty = true;
 
     EXPECT_THROW(table.setField(field::tableClassSize, u"a longer text", 28), std::bad_alloc);
     EXPECT_THROW(table.grow(100), std::bad_alloc);
-    EXPECT_THROW(Record::Table(&store_, u"u"), std::bad_alloc);
+    EXPECT_THROW(appendNamed(store_, Record::Kind::table, std::u16string(300, u'u')), std::bad_alloc);
 
     EXPECT_EQ(table.size(), 38u);
     table.commit();

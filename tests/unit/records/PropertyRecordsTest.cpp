@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "norvane/platform/core/storage/datastore/MemoryDataStore.h"
+#include "records/NewEntity.h"
 #include "records/Records.h"
 #include "support/RecordBytes.h"
 
@@ -31,37 +32,44 @@ class PropertyRecordTest : public testing::Test {
     ~PropertyRecordTest() noexcept override = default;
 
   protected:
+    std::uint32_t newPrimitive(std::uint32_t type, std::u16string_view name) {
+        Record::NewEntity primitive(Record::Kind::primitive);
+        primitive.set(field::dataType, type);
+        primitive.addText(field::primitiveNameSize, name);
+        return primitive.appendTo(&store_);
+    }
+
     MemoryDataStore store_;
 };
 
 TEST_F(PropertyRecordTest, NewPrimitiveHasItsNameBehindItsFixedPart) {
-    const Record::Primitive primitive(&store_, 17, u"x");
+    const std::uint32_t primitive = newPrimitive(17, u"x");
 
     RecordBytes expected;
     expected.u8(1).noRecord().u32(0).noRecord().u8(0).u32(0);  // it has no children: not even no record
     expected.u32(0).u32(17).u32(0).u32(4).u32(0).u32(0).text(u"x");
-    EXPECT_EQ(recordAt(store_, primitive.offset()), expected);
-    EXPECT_EQ(primitive.size(), 46u);
+    EXPECT_EQ(recordAt(store_, primitive), expected);
+    EXPECT_EQ(expected.size(), 46u);
 }
 
 TEST_F(PropertyRecordTest, TypeOfANewPrimitiveIsStoredWhole) {
-    const Record::Primitive primitive(&store_, 0xFFFFFFFFu, u"x");
+    const std::uint32_t primitive = newPrimitive(0xFFFFFFFFu, u"x");
 
-    EXPECT_EQ(recordAt(store_, primitive.offset()).u32At(22), 0xFFFFFFFFu);
+    EXPECT_EQ(recordAt(store_, primitive).u32At(22), 0xFFFFFFFFu);
 }
 
 TEST_F(PropertyRecordTest, NewTableHasNeitherChildrenNorDefaults) {
-    const Record::Table table(&store_, u"x");
+    const std::uint32_t table = appendNamed(store_, Record::Kind::table, u"x");
 
     RecordBytes expected;
     expected.u8(2).noRecord().u32(0).noRecord().u8(0).noRecord();
     expected.u32(0).noRecord().u32(4).u32(0).text(u"x");
-    EXPECT_EQ(recordAt(store_, table.offset()), expected);
-    EXPECT_EQ(table.size(), 38u);
+    EXPECT_EQ(recordAt(store_, table), expected);
+    EXPECT_EQ(expected.size(), 38u);
 }
 
 TEST_F(PropertyRecordTest, LocaleTagMovesTheNameOfAPrimitive) {
-    Record::Primitive primitive(&store_, 3, u"x");
+    Record::Entity primitive(&store_, newPrimitive(3, u"x"));
 
     primitive.setField(field::localeTagSize, u"de", 6);
 
@@ -73,7 +81,7 @@ TEST_F(PropertyRecordTest, LocaleTagMovesTheNameOfAPrimitive) {
 }
 
 TEST_F(PropertyRecordTest, PrimitiveWithoutValueEndsBehindItsName) {
-    const Record::Primitive primitive(&store_, 3, u"name");
+    const Record::Entity primitive(&store_, newPrimitive(3, u"name"));
 
     EXPECT_EQ(primitive.size(), 42u + 10u);
     EXPECT_EQ(primitive.view().section(field::valueSize).size, 0u);
@@ -82,7 +90,7 @@ TEST_F(PropertyRecordTest, PrimitiveWithoutValueEndsBehindItsName) {
 TEST_F(PropertyRecordTest, ValueIsTheLastSectionAndKeepsTheOthers) {
     const std::uint32_t offset = appendTo(store_, fullPrimitive());
 
-    Record::Primitive(&store_, offset).setField(field::valueSize, "abc", 3);
+    Record::Entity(&store_, offset).setField(field::valueSize, "abc", 3);
 
     RecordBytes expected;
     expected.u8(1).u32(7).u32(2).u32(9).u8(4).u32(0);
@@ -103,7 +111,7 @@ TEST_F(PropertyRecordTest, EachSectionOfAPrimitiveIsReplacedInItsPlace) {
     for (const auto& each : cases) {
         const std::uint32_t offset = appendTo(store_, fullPrimitive());
 
-        Record::Primitive(&store_, offset).setField(each.sizeField, u"new", 8);
+        Record::Entity(&store_, offset).setField(each.sizeField, u"new", 8);
 
         EXPECT_EQ(recordAt(store_, offset).part(42, 100), each.tail.bytes()) << each.sizeField.position;
         EXPECT_EQ(recordAt(store_, offset).u32At(each.sizeField.position), 8u);
@@ -114,8 +122,8 @@ TEST_F(PropertyRecordTest, EachSectionOfAPrimitiveIsReplacedInItsPlace) {
 TEST_F(PropertyRecordTest, EachSectionOfATableIsReplacedInItsPlace) {
     const std::uint32_t offset = appendTo(store_, fullTable());
 
-    Record::Table(&store_, offset).setField(field::tableNameSize, u"name", 10);
-    Record::Table(&store_, offset).setField(field::tableClassSize, u"", 2);
+    Record::Entity(&store_, offset).setField(field::tableNameSize, u"name", 10);
+    Record::Entity(&store_, offset).setField(field::tableClassSize, u"", 2);
 
     RecordBytes expected;
     expected.u8(2).u32(7).u32(1).u32(9).u8(2).u32(8).u32(0).u32(5).u32(10).u32(2);
@@ -124,7 +132,7 @@ TEST_F(PropertyRecordTest, EachSectionOfATableIsReplacedInItsPlace) {
 
 TEST_F(PropertyRecordTest, SectionMayBeMadeOfBytesOfItsOwnRecord) {
     const std::uint32_t offset = appendTo(store_, fullPrimitive());
-    Record::Primitive record(&store_, offset);
+    Record::Entity record(&store_, offset);
     const Record::Section value = record.view().section(field::valueSize);
 
     record.setField(field::valueSize, value.begin, 2, 3);

@@ -230,7 +230,7 @@ TEST(BaseTest, AllocatingAgainTakesZeroBytes) {
 TEST(BaseTest, WhatARecordGrowsByReadsAsZero) {
     MemoryDataStore store;
     const std::uint32_t offset = appendTo(store, table());
-    Record::Table record(&store, offset);
+    Record::Entity record(&store, offset);
     record.replaceSection(field::tableNameSize, u"a long name", 24);  // leaves a buffer that is not all zero
 
     record.grow(6);
@@ -272,15 +272,16 @@ TEST(FailingStoreTest, EveryFailureReachesTheCaller) {
     for (const Extensions extensions : {Extensions::off, Extensions::on}) {
         const std::uint64_t failures = failAtEveryCall<Fixture>(
             [](Fixture& fixture) {
-                const Record::Root root(fixture.store, u"r");
-                const Record::Container container(fixture.store, u"c");
-                Record::Primitive primitive(fixture.store, 3, u"p");
+                appendNamed(*fixture.store, Record::Kind::root, u"r");
+                appendNamed(*fixture.store, Record::Kind::container, u"c");
+                Record::Entity primitive(fixture.store,
+                                         appendNamed(*fixture.store, Record::Kind::primitive, u"p"));
                 primitive.setField(field::valueSize, "12345678", 8);
                 Record::Offsets list(fixture.store);
                 list.setAt(9, 1);
                 list.removeValue(0);
                 Record::Locale(fixture.store).setPayload("ab", 2);
-                Record::Table(fixture.store, fixture.offset).setField(field::tableClassSize, u"a", 4);
+                Record::Entity(fixture.store, fixture.offset).setField(field::tableClassSize, u"a", 4);
                 Record::storeField(fixture.store, fixture.offset, field::unit, 1u);
                 Record::addToOpenCount(fixture.store, fixture.offset, 1);
                 const Record::Snapshot look(fixture.store, fixture.offset);
@@ -296,7 +297,7 @@ TEST(FailingStoreTest, FailedAppendLeavesNoRecord) {
     ThrowingStore store(memory);
     store.throwAt(1);
 
-    EXPECT_THROW(Record::Table(&store, u"t"), StoreFailure);
+    EXPECT_THROW(appendNamed(store, Record::Kind::table, u"t"), StoreFailure);
 
     EXPECT_EQ(memory.recordCount(), 0u);
 }

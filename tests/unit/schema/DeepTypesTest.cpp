@@ -5,6 +5,7 @@
 #include <functional>
 #include <string>
 
+#include "records/NewEntity.h"
 #include "schema/Conformance.h"
 #include "unit/schema/Types.h"
 
@@ -39,11 +40,12 @@ Offset nestedTables(Builder& build, std::u16string_view name) {
     for (int level = 1; level < kLevels; ++level) {
         Record::Offsets list(store);
         list.append(&inner, 1);
-        Record::Table table(store, u"t");
+        Record::NewEntity table(Record::Kind::table);
         table.set(field::children, list.offset());
-        table.commit();
-        Record::storeField(store, inner, field::parent, table.offset());
-        inner = table.offset();
+        table.addText(field::tableNameSize, u"t");
+        const Offset outer = table.appendTo(store);
+        Record::storeField(store, inner, field::parent, outer);
+        inner = outer;
     }
     const Offset outermost = build.table(0, name);
     Design::Table(store, outermost).addChild(inner);

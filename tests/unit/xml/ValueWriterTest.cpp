@@ -81,7 +81,7 @@ TEST(WriteNumbers, WithoutElementsHaveNoValEither) {
 TEST(WriteNumbers, BytesThatMakeNoWholeElementShiftTheStep) {
     // Only a damaged record has such a value: 11 bytes are two elements, five bytes apart.
     Value value(metadata::kInt32);
-    Record::Primitive record(&value.store, 0);
+    Record::Entity record(&value.store, 0);
     const unsigned char bytes[11] = {1, 0, 0, 0, 0, 2, 0, 0, 9, 9, 9};
     record.setField(Record::field::valueSize, bytes, sizeof bytes);
     EXPECT_EQ(value.text(), "<int32 name=\"v\">1 2</int32>\n")

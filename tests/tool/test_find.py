@@ -91,6 +91,27 @@ class Classes(FindTest):
         self.done("import", "model.xml", "model.qvt", "--schemas", "types.xml")
         self.assertEqual(self.done("find", "model.qvt", "--class", "Crate").lines, ["n"])
 
+    def test_ThatNobodyKnowsMayComeDownAndAreTold(self):
+        self.document(MODEL, "types.xml")
+        self.document('<root name="r"><node name="n" class="Base"/><node name="m" class="Crate"/></root>')
+        self.done("import", "model.xml", "model.qvt", "--schemas", "types.xml")
+        result = self.run_tool("find", "model.qvt", "--class", "Base")
+        self.assertEqual((result.status, result.lines, result.err), (
+            1, ["n"], "model.qvt: error: class Crate is not known (--schemas STORE says where to look)\n"))
+        self.assertEqual(self.done("find", "model.qvt", "--class", "Base", "--schemas", "types.xml").lines, ["n", "m"])
+
+    def test_ThatItComesDownFromItselfNeedNotBeKnown(self):
+        self.document(MODEL, "types.xml")
+        self.document('<root name="r"><table name="Tin" class="Box"/><node name="n" class="Tin"/><node name="m" class="Box"/></root>')
+        self.done("import", "model.xml", "model.qvt", "--schemas", "types.xml")
+        self.assertEqual(self.done("find", "model.qvt", "--class", "Tin").lines, ["n"])
+
+    def test_OfADocumentAreToldOnce(self):
+        self.document('<root name="r"><table name="Base"/><node name="m" class="Crate"/><node name="n" class="Base"/></root>')
+        result = self.run_tool("find", "model.xml", "--class", "Base")
+        self.assertEqual((result.status, result.lines), (1, ["n"]))
+        self.assertEqual(result.err.count("Crate is not known"), 1)
+
     def test_InALongChainTakeNoTime(self):
         count = 200
         tables = "".join(f'<table name="T{i}" class="T{i - 1}"/>' for i in range(1, count))

@@ -48,9 +48,13 @@ SharedPtr<ISchema> classNamed(const std::string& classText, const ClassPlaces& p
     return places.locator->locate(wide(classText));
 }
 
+// What the ancestor itself comes down from is of the family only in a ring: that it is missing says nothing.
 ClassFamily::ClassFamily(std::string ancestor, const ClassPlaces& places)
     : ancestor_(std::move(ancestor)), stores_(places.stores) {
     isOf_[ancestor_] = true;
+    for (const std::string& above : namesIn(classOf(ancestor_).value_or("")))
+        if (!above.empty()) comesDown(above);
+    missing_.clear();
 }
 
 bool ClassFamily::has(const std::string& classText) {
@@ -70,6 +74,7 @@ bool ClassFamily::comesDown(const std::string& name) {
 bool ClassFamily::settle(const std::string& name) {
     std::map<std::string, std::string> cameFrom{{name, ""}};
     std::vector<std::string> open{name};
+    std::vector<std::string> missing;
     while (!open.empty()) {
         const std::string each = std::move(open.back());
         open.pop_back();
@@ -78,9 +83,12 @@ bool ClassFamily::settle(const std::string& name) {
             return true;
         }
         if (isOf_.count(each) != 0) continue;
-        for (const std::string& above : namesIn(classOf(each).value_or("")))
+        const std::optional<std::string> classText = classOf(each);
+        if (!classText) missing.push_back(each);
+        for (const std::string& above : namesIn(classText.value_or("")))
             if (!above.empty() && cameFrom.emplace(above, each).second) open.push_back(above);
     }
+    missing_.insert(missing_.end(), missing.begin(), missing.end());
     for (const auto& [each, from] : cameFrom) isOf_[each] = false;
     return false;
 }

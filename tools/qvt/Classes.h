@@ -38,6 +38,9 @@ class ClassFamily {
     bool has(const std::string& classText);
     // Whether there is a table of the ancestor's name.
     bool isKnown() const;
+    // Classes that were asked about, or that those come down from, and that no place has: whether they are of
+    // the family cannot be told.
+    const std::vector<std::string>& missing() const { return missing_; }
 
   private:
     bool comesDown(const std::string& name);
@@ -48,6 +51,7 @@ class ClassFamily {
     std::string ancestor_;
     std::vector<IDataStore*> stores_;
     std::map<std::string, bool> isOf_;  // what is known by now, by class
+    std::vector<std::string> missing_;
 };
 
 }  // namespace qvt

@@ -6,6 +6,17 @@
 
 namespace qvt {
 
+namespace {
+
+std::string wordsFor(const std::vector<std::string>& names) {
+    const std::size_t others = names.size() - 1;
+    if (others == 0) return "class " + names[0] + " is not known";
+    if (others == 1) return "classes " + names[0] + " and " + names[1] + " are not known";
+    return "class " + names[0] + " and " + std::to_string(others) + " others are not known";
+}
+
+}  // namespace
+
 MissingClasses::MissingClasses(ISchemaLocator& locator, std::function<std::string()> place)
     : locator_(locator), place_(std::move(place)) {}
 
@@ -17,22 +28,18 @@ SharedPtr<ISchema> MissingClasses::locate(WideString names) {
 }
 
 void MissingClasses::note(const std::string& name) {
-    if (name.empty() || missing_.count(name) != 0 || locator_.locate(wide(name))) return;
+    if (name.empty() || told_.count(name) != 0 || locator_.locate(wide(name))) return;
     if (missing_.empty()) firstPlace_ = place_();
-    (missing_.empty() ? first_ : second_) = name;
-    missing_.insert(name);
-}
-
-std::string MissingClasses::words() const {
-    const std::size_t others = missing_.size() - 1;
-    if (others == 0) return "class " + first_ + " is not known";
-    if (others == 1) return "classes " + first_ + " and " + second_ + " are not known";
-    return "class " + first_ + " and " + std::to_string(others) + " others are not known";
+    missing_.push_back(name);
+    told_.insert(name);
 }
 
 void MissingClasses::tell(Messages& messages) const {
-    if (!missing_.empty())
-        messages.lost(firstPlace_ + ": error: " + words() + " (--schemas STORE says where to look)");
+    if (!missing_.empty()) tellOfMissing(missing_, firstPlace_, messages);
+}
+
+void tellOfMissing(const std::vector<std::string>& names, const std::string& place, Messages& messages) {
+    messages.lost(place + ": error: " + wordsFor(names) + " (--schemas STORE says where to look)");
 }
 
 }  // namespace qvt

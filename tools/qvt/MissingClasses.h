@@ -4,11 +4,15 @@
 #include <functional>
 #include <set>
 #include <string>
+#include <vector>
 
 #include "Messages.h"
 #include "Names.h"
 
 namespace qvt {
+
+// One message for all of them, of which there is one at least; `place` is in the form of messages.
+void tellOfMissing(const std::vector<std::string>& names, const std::string& place, Messages& messages);
 
 // A locator in front of another one that notes the classes that are not found. The library passes over them
 // in silence: an object that is read without its class loses its name and members, a struct that is written
@@ -28,13 +32,11 @@ class MissingClasses : public ISchemaLocator {
 
   private:
     void note(const std::string& name);
-    std::string words() const;
 
     ISchemaLocator& locator_;
     std::function<std::string()> place_;
-    std::set<std::string> missing_;
-    std::string first_;
-    std::string second_;
+    std::set<std::string> told_;
+    std::vector<std::string> missing_;
     std::string firstPlace_;
 };
 

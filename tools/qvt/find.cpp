@@ -6,6 +6,7 @@
 #include "Condition.h"
 #include "Describe.h"
 #include "Glob.h"
+#include "MissingClasses.h"
 #include "NewValues.h"
 #include "Output.h"
 #include "Paths.h"
@@ -38,6 +39,12 @@ class Search {
     // A class that nobody knows was mistyped, unless some object names it all the same.
     void mustBeKnown(Session& session, const Options& options) const {
         if (family_ && !family_->isKnown()) throw unknownClass(options.className, session.classes());
+    }
+
+    // Objects of classes that nobody knows may be of the family all the same.
+    void tellWhatIsNotKnown(Session& session) const {
+        if (family_ && !family_->missing().empty())
+            tellOfMissing(family_->missing(), session.name(), session.messages());
     }
 
     void tellWhatWasNotCompared(Session& session) const {
@@ -126,6 +133,7 @@ int find(const Options& options) {
     searchIn(view, top, search, findings);
     if (findings.isEmpty()) search.mustBeKnown(session, options);
     findings.finish();
+    search.tellWhatIsNotKnown(session);
     search.tellWhatWasNotCompared(session);
     return findings.isEmpty() ? kNo : session.status();
 }
@@ -144,7 +152,9 @@ const Verb kFind{
     "  --value   the value, or one of its numbers or texts, meets CONDITION: a number behind <, <=, >, >=,\n"
     "            = or !=, with a unit or without one; a text behind = or !=; or a glob for texts. With a\n"
     "            unit, numbers in all units of its dimension are converted; without one, none is.\n"
-    "Exit status 1 if nothing is found. Nothing is looked for below links.",
+    "Exit status 1 if nothing is found, or if objects name classes of which nobody knows what they come "
+    "down\n"
+    "from. Nothing is looked for below links.",
     "  qvt find plant.qvt --class Types.Pump\n"
     "  qvt find plant.qvt hall --name 'p*' --type node\n"
     "  qvt find plant.qvt --value '>= 7000 Watt' --values",

@@ -35,10 +35,47 @@ class Output(ToolTest):
         self.assertEqual(self.run_tool("tree", "model.xml", "-o", "out.txt").status, 3)
         self.assertEqual((self.folder / "out.txt").read_text(), "old")
 
-    def test_MayBeTheDocumentThatIsRead(self):
+    def test_IsNeverWrittenOverWhatIsRead(self):
+        text = '<root name="r"/><!-- kept -->'
+        for name in ("model.xml", "other.xml", "types.xml"):
+            self.document(text, name)
+        (self.folder / "link.xml").symlink_to("model.xml")
+        os.link(self.folder / "model.xml", self.folder / "hard.xml")
+        for name, read, arguments in (
+                ("model.xml", "model.xml", ["export", "model.xml"]),
+                ("link.xml", "model.xml", ["tree", "model.xml"]),
+                ("hard.xml", "link.xml", ["export", "link.xml"]),
+                ("./model.xml", "hard.xml", ["get", "hard.xml", "none"]),
+                ("other.xml", "./other.xml", ["diff", "model.xml", "./other.xml"]),
+                ("types.xml", "types.xml", ["export", "model.xml", "--schemas", "types.xml"])):
+            with self.subTest(name):
+                result = self.run_tool(*arguments, "-o", name)
+                self.assertEqual((result.status, result.out, result.err), (
+                    2, "", f"qvt: error: -o {name}: the file is {read}, and no answer is written over what is read\n"))
+                for each in self.folder.iterdir():
+                    self.assertEqual(each.read_text(), text)
+
+    def test_IsNotWrittenOverTheFileOnStandardInput(self):
         self.document('<root name="r"/>')
-        self.done("export", "model.xml", "-o", "model.xml")
-        self.assertIn('<root version="0" name="r"/>', (self.folder / "model.xml").read_text())
+        with open(self.folder / "model.xml", "rb") as document:
+            run = subprocess.run([QVT, "export", "-", "-o", "model.xml"], stdin=document, stderr=subprocess.PIPE,
+                                 cwd=self.folder, env={**os.environ, **SANITIZED})
+        self.assertEqual((run.returncode, run.stderr.decode()), (
+            2, "qvt: error: -o model.xml: the file is standard input, and no answer is written over what is read\n"))
+        self.assertEqual((self.folder / "model.xml").read_text(), '<root name="r"/>')
+
+    def test_MayGoWhereNothingIsKept(self):
+        with open("/dev/null", "rb") as nothing:
+            run = subprocess.run([QVT, "export", "-", "-o", "/dev/null"], stdin=nothing, stderr=subprocess.PIPE, cwd=self.folder)
+        self.assertEqual(run.returncode, 3)  # nothing is no document, and that is all there is to say
+
+    def test_OverAFileStoreIsRefusedBeforeAnythingIsDone(self):
+        self.document('<root name="r"/>')
+        self.done("import", "model.xml", "model.qvt")
+        result = self.run_tool("repair", "model.qvt", "new.qvt", "-o", "new.qvt")
+        self.assertEqual((result.status, result.err),
+                         (2, "qvt: error: -o new.qvt: a file store; no answer is written over one\n"))
+        self.assertFalse((self.folder / "new.qvt").exists())
 
     def test_ThatCannotBeWrittenHasItsOwnStatus(self):
         self.document('<root name="r"/>')

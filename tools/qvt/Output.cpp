@@ -3,6 +3,8 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <filesystem>
+#include <system_error>
 
 #include "FileStores.h"
 
@@ -14,15 +16,32 @@ using norvane::platform::core::io::FileWriter;
 
 constexpr std::size_t kPiece = std::size_t{1} << 16;
 
-// An answer takes the place of a document, as its next version. Nobody means it to take that of a store.
 FileWriter writerFor(const std::string& path) {
-    if (path.empty()) return FileWriter(STDOUT_FILENO);
-    if (isFileStore(path) || holdsFileStore(path))
-        throw Failure(kUsage, "error: -o " + path + ": a file store; no answer is written over one");
-    return FileWriter(path);
+    return path.empty() ? FileWriter(STDOUT_FILENO) : FileWriter(path);
+}
+
+void mustNotBeRead(const std::string& output, const std::string& input) {
+    if (isSameFile(output, input == "-" ? "/dev/stdin" : input))
+        throw Failure(kUsage, "error: -o " + output + ": the file is " +
+                                  (input == "-" ? "standard input" : input) +
+                                  ", and no answer is written over what is read");
 }
 
 }  // namespace
+
+// Even an export lacks what documents cannot hold, comments and digits; of all other answers no input is
+// left.
+void mustSpareInput(const Options& options) {
+    const std::string& output = options.output;
+    if (output.empty()) return;
+    if (isFileStore(output) || holdsFileStore(output))
+        throw Failure(kUsage, "error: -o " + output + ": a file store; no answer is written over one");
+    std::error_code unknown;
+    if (!std::filesystem::is_regular_file(output, unknown)) return;
+    mustNotBeRead(output, options.store);
+    mustNotBeRead(output, options.target);
+    for (const std::string& each : options.schemas) mustNotBeRead(output, each);
+}
 
 Output::Output(const Options& options)
     : isFile_(!options.output.empty()),

@@ -10,6 +10,10 @@
 
 namespace qvt {
 
+// A Failure if -o names a file store, or a file that the run reads, by whatever path: to be asked before
+// anything is done.
+void mustSpareInput(const Options& options);
+
 // A file takes its name only in `finish`, so that a run that fails leaves what was there. What cannot be
 // written is a Failure; a reader of standard output that has gone is OutputClosed.
 class Output : public norvane::platform::core::io::IDataWriter {

@@ -9,6 +9,7 @@
 #include "CommandLine.h"
 #include "FileStores.h"
 #include "Messages.h"
+#include "Output.h"
 
 namespace {
 
@@ -46,7 +47,9 @@ int run(int argc, const char* const* argv) {
     qvt::Command command;
     try {
         command = qvt::commandOf(argc, argv);
-        return command.verb ? command.verb->run(command.options) : command.status;
+        if (!command.verb) return command.status;
+        qvt::mustSpareInput(command.options);
+        return command.verb->run(command.options);
     } catch (const qvt::OutputClosed&) {
         return qvt::kDone;
     } catch (const qvt::Failure& failure) {

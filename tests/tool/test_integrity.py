@@ -193,6 +193,59 @@ class Compact(IntegrityTest):
         self.assertLess((self.folder / "gltf.qvt").stat().st_size, size / 2)
         self.done("check", "gltf.qvt", "-q")
 
+    def test_OfADamagedStoreIsRefusedAndLeavesItAsItIs(self):
+        self.damage()
+        before = (self.folder / "bad.qvt").read_bytes()
+        for options in ([], ["--drop-unreachable"]):
+            result = self.run_tool("compact", "bad.qvt", *options)
+            self.assertEqual((result.status, result.out), (4, ""))
+            self.assertRegex(result.err, r"\Abad\.qvt: error: \d+ errors? in it, and it stays as it is \(qvt check STORE "
+                                         r"lists what is damaged, qvt repair STORE NEW saves the rest\)\n\Z")
+            self.assertEqual((self.folder / "bad.qvt").read_bytes(), before)
+
+    def test_OfAFileThatIsCutOffIsRefusedToo(self):
+        data = self.store.read_bytes()
+        (self.folder / "bad.qvt").write_bytes(data[:len(data) // 2])
+        self.assertEqual(self.run_tool("compact", "bad.qvt").status, 4)
+
+
+class DroppingWhatNothingLeadsTo(IntegrityTest):
+    """What is left behind by elements that an import refuses."""
+
+    def setUp(self):
+        super().setUp()
+        self.tidy = self.done("dump", "model.qvt", "--all").out
+        for _ in range(2):
+            self.assertEqual(self.run_tool("import", "model.xml", "model.qvt").status, 1)
+
+    def unreachable(self):
+        found = self.done("check", "model.qvt", "-f", "json").json["findings"]
+        return [each["offset"] for each in found if each["code"] == "unreachable"]
+
+    def test_SaysHowManyRecordsWentAndLeavesAllOthers(self):
+        left = len(self.done("dump", "model.qvt", "--all").lines) - len(self.tidy.splitlines())
+        self.assertEqual(left, 6)
+        result = self.done("compact", "model.qvt", "--drop-unreachable")
+        self.assertEqual(result.out, f"model.qvt: {left} records dropped\n")
+        self.assertEqual(self.done("dump", "model.qvt", "--all").out, self.tidy)
+        self.assertEqual(self.unreachable(), [])
+        self.assertEqual(self.done("compact", "model.qvt", "--drop-unreachable").out, "model.qvt: 0 records dropped\n")
+
+    def test_IsSilentWhenQuiet(self):
+        self.assertEqual(self.done("compact", "model.qvt", "--drop-unreachable", "-q").out, "")
+        self.assertEqual(self.unreachable(), [])
+
+    def test_IsNotDoneUnasked(self):
+        before = self.unreachable()
+        self.done("compact", "model.qvt")
+        self.assertEqual(self.unreachable(), before)
+        self.assertGreater(len(before), 0)
+
+    def test_LeavesRepairNothingToBringBack(self):
+        self.done("compact", "model.qvt", "--drop-unreachable")
+        self.done("repair", "model.qvt", "good.qvt", "--recover", "found")
+        self.assertEqual(self.done("tree", "good.qvt").out, self.done("tree", "model.qvt").out)
+
 
 class Unwritable(IntegrityTest):
     def test_WhereThereIsNoRoomNothingChangesAndItHasItsOwnStatus(self):

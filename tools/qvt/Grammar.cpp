@@ -152,6 +152,9 @@ void addEditing(CLI::App& app, const Verb& verb, Options& options) {
         app.add_flag("--salvage", options.salvage, "look for records in every page");
         addName(app, "--recover", options.recovered, "group for what nothing leads to", "NAME");
     }
+    if (verb.has(Verb::kDropOptions))
+        app.add_flag("--drop-unreachable", options.dropsUnreachable,
+                     "remove the records that nothing leads to");
     if (!verb.has(Verb::kValueOptions)) return;
     app.add_option("--uri", options.uri, "the value lies there")->type_name("URI");
     app.add_option("--name", options.names, "display name in a locale; may be repeated")

@@ -47,6 +47,7 @@ struct Options {
     std::string uri;
     bool keepsGoing = false;
     bool salvage = false;
+    bool dropsUnreachable = false;
     std::vector<std::string> schemas;
     std::string output;
     Format format = Format::text;

@@ -32,6 +32,7 @@ struct Verb {
         kAnswers = 1u << 20,        // prints something: -o and --color
         kFindOptions = 1u << 21,    // what is looked for
         kBoth = 1u << 22,           // A B [PATH] [BPATH], with --ignore-order
+        kDropOptions = 1u << 23,    // --drop-unreachable
     };
 
     const char* name;

@@ -46,6 +46,20 @@ QVT_FILE_API Report check(IDataStore& store);
 /// The same for a store's file, after the file itself. Throws `StoreError` notFound and notReadable only.
 QVT_FILE_API Report checkFile(const std::string& path);
 
+/// What `removeUnreachable` has found and done.
+struct Removal {
+    /// What `check` says of the store as it was.
+    Report report;
+    /// Records that were removed.
+    std::uint64_t removedCount = 0;
+};
+
+/// Removes all that nothing leads to, from the root down: what refused and overridden elements of documents
+/// leave behind, for good. Where `check` finds an error it removes nothing, since what is damaged may be what
+/// led to the rest. All other records stay as they are. Takes the guard for its whole length, and memory as
+/// `check` does; nothing may be open. Throws what the store throws.
+QVT_FILE_API Removal removeUnreachable(IDataStore& store);
+
 /// What `repair` does besides leaving out what is damaged.
 struct RepairOptions {
     /// Takes records from every page that looks as if it held some, for files whose own order is broken.

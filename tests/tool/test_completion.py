@@ -1,4 +1,7 @@
 import os
+import pty
+import re
+import shlex
 import shutil
 import subprocess
 import unittest
@@ -52,6 +55,14 @@ class Answers(CompletionTest):
         self.assertTrue(all(unit.startswith("Kilowatt") for unit in units[1:]), units)
         self.assertEqual(self.answer("units", "Velo"), ["words", "Velocity"])
 
+    def test_BehindAnOptionsEqualsSignAreItsValues(self):
+        self.assertEqual(self.answer("tree", "plant.qvt", "--format="), ["words", "text", "json"])
+        self.assertEqual(self.answer("tree", "--color=a"), ["words", "auto", "always"])
+        self.assertEqual(self.answer("tree", "--output="), ["files"])
+        self.assertEqual(self.answer("find", "pump.xml", "--schemas=pump.lib.xml", "--class=Types.Pu"), ["paths", "Types.Pump"])
+        for word in ("--values=", "--nonsense=", "--=", "--format=x"):
+            self.assertEqual(self.answer("tree", word), ["words"])
+
     def test_AreFilesWhereFilesStand(self):
         for words in (["tree", ""], ["import", "a.xml", "b"], ["tree", "--schemas", ""], ["tree", "-o", ""], ["repair", "a", ""],
                       ["diff", "a", ""]):
@@ -85,20 +96,31 @@ class Answers(CompletionTest):
         self.done("import", "model.xml", "wide.qvt")
         self.assertEqual(len(self.answer("show", "wide.qvt", "g.the")), 1001)
 
+    def test_DoNotGoBelowAPathThatMoreMayGoOnFrom(self):
+        early, late = '<node name="n1"><node name="below"/></node>', '<node name="n12"/><node name="last"><node name="below"/></node>'
+        rows = early + "".join(f'<node name="m{i}"/>' for i in range(21000)) + late
+        self.document(f'<root name="r"><group name="g">{rows}</group></root>')
+        self.done("import", "model.xml", "wide.qvt")
+        self.assertEqual(self.answer("show", "wide.qvt", "g.n1"), ["paths", "g.n1"])
+        self.assertEqual(self.answer("show", "wide.qvt", "g.n1."), ["paths", "g.n1.below"])
+        self.assertEqual(self.answer("show", "wide.qvt", "g.last"), ["paths", "g.last"])
+        self.assertEqual(self.answer("show", "wide.qvt", "g.none"), ["paths"])
+
 
 @unittest.skipUnless(shutil.which("bash"), "there is no bash")
 class Bash(CompletionTest):
-    def complete(self, *words):
+    def complete(self, *words, breaks="=:"):
         """As bash does when the tab key is hit behind the last word."""
+        parts = [part for word in words for part in re.findall(f"[{breaks}]+|[^{breaks}]+", word) or [""]]
         script = f"""
             compopt() {{ options+=" $2"; }}
             . '{COMPLETION}/qvt.bash'
             complete -p qvt >/dev/null || exit 1
-            COMP_WORDS=(qvt "$@") COMP_CWORD=$# options=
+            COMP_LINE=$1 COMP_POINT=${{#1}} COMP_WORDS=(qvt "${{@:2}}") COMP_CWORD=$(($# - 1)) options=
             _qvt
             printf '%s\\n' "$options" "${{COMPREPLY[@]}}"
         """
-        options, *candidates = self.shell("bash", "-c", script, "bash", *words)
+        options, *candidates = self.shell("bash", "-c", script, "bash", "qvt " + " ".join(words), *parts)
         return options.strip(), [each for each in candidates if each]
 
     def test_CompletesVerbsOptionsAndWords(self):
@@ -115,13 +137,32 @@ class Bash(CompletionTest):
     def test_QuotesWhatTheShellWouldTakeApart(self):
         self.document('<root name="r"><group name="a b"/></root>')
         self.assertEqual(self.complete("show", "model.xml", "a"), ("nospace", ["a\\ b"]))
+        self.assertEqual(self.complete("show", "model.xml", "a\\ "), ("nospace", ["a\\ b"]))
+
+    def test_CompletesValuesBehindAnEqualsSign(self):
+        self.assertEqual(self.complete("tree", "plant.qvt", "--format=j"), ("", ["json"]))
+        self.assertEqual(self.complete("tree", "plant.qvt", "--format="), ("", ["text", "json"]))
+        self.assertEqual(self.complete("tree", "--format=json", "plant.qvt", "ha"), ("nospace", ["hall"]))
+        self.assertEqual(self.complete("tree", "--output=pu"), ("default", []))
+
+    def test_CompletesThemWhereTheSignIsPartOfTheWord(self):
+        self.assertEqual(self.complete("tree", "plant.qvt", "--format=j", breaks=":"), ("", ["--format=json"]))
+        self.assertEqual(self.complete("tree", "--schemas=pump.l", breaks=":"), ("default", ["--schemas=pump.lib.xml"]))
+
+    def test_CompletesNamesWithColonsAndEqualsSigns(self):
+        self.document('<root name="r"><group name="a:1=b"><node name="c"/></group><group name="a:2"/></root>')
+        self.assertEqual(self.complete("show", "model.xml", "a:"), ("nospace", ["1=b", "2"]))
+        self.assertEqual(self.complete("show", "model.xml", "a:1=b."), ("nospace", ["b.c"]))
+        self.assertEqual(self.complete("show", "model.xml", "a:", breaks="="), ("nospace", ["a:1=b", "a:2"]))
 
     def test_WorksInAnInteractiveShell(self):
-        typed = f". '{COMPLETION}/qvt.bash'; PS1='$ '\nqvt get plant.qvt hall.p1.po\t\nqvt tree plant.qvt ha\t -d 0 --val\t\nexit\n"
+        typed = f". '{COMPLETION}/qvt.bash'; PS1='$ '\nqvt get plant.qvt hall.p1.po\t\nqvt tree plant.qvt ha\t -d 0 --val\t\n" \
+                "qvt get plant.qvt --format=js\t hall.spare\nexit\n"
         run = subprocess.run(["bash", "--norc", "-i"], input=typed.encode(), cwd=self.folder, env=self.environment,
                              stdout=subprocess.PIPE, stderr=subprocess.PIPE, timeout=100)
         self.assertIn("7.5\n", run.stdout.decode())
         self.assertIn("hall: group\n", run.stdout.decode())
+        self.assertIn('"name":"spare"', run.stdout.decode())
 
 
 @unittest.skipUnless(shutil.which("zsh"), "there is no zsh")
@@ -131,6 +172,7 @@ class Zsh(CompletionTest):
             compdef() {{ :; }}
             _files() {{ print files; }}
             compadd() {{ print -l -- "$@"; }}
+            compset() {{ print -l -- "$@"; }}
             source '{COMPLETION}/_qvt'
             words=(qvt "$@") CURRENT=$(($# + 1))
             _qvt
@@ -146,3 +188,29 @@ class Zsh(CompletionTest):
 
     def test_CompletesPathsThatGoOn(self):
         self.assertEqual(self.complete("show", "plant.qvt", "hall.p"), ["-S", "", "--", "hall.p1"])
+
+    def test_CompletesValuesBehindAnEqualsSign(self):
+        self.assertEqual(self.complete("tree", "plant.qvt", "--format=j"), ["-P", "1", "*=", "--", "json"])
+
+    def typed(self, *lines):
+        """What an interactive shell prints in which these lines are typed."""
+        master, slave = pty.openpty()
+        run = subprocess.Popen(["zsh", "-f", "-i"], stdin=slave, stdout=slave, stderr=slave, cwd=self.folder, start_new_session=True,
+                               env={**self.environment, "TERM": "dumb", "ZDOTDIR": str(self.folder)})
+        os.close(slave)
+        os.write(master, "".join(line + "\n" for line in (*lines, "exit")).encode())
+        out = b""
+        try:
+            while piece := os.read(master, 65536):
+                out += piece
+        except OSError:  # how a terminal ends
+            pass
+        os.close(master)
+        run.wait(timeout=100)
+        return out.decode().replace("\r", "")
+
+    def test_WorksInAnInteractiveShellThatFindsItInAFolderOfItsOwn(self):
+        said = self.typed(f"fpath=({shlex.quote(str(COMPLETION))} $fpath); autoload -U compinit; compinit -D -u",
+                          "qvt get plant.qvt hall.p1.po\t > power", "qvt get plant.qvt --format=js\t hall.spare > spare")
+        self.assertEqual((self.folder / "power").read_text(), "7.5\n", said)
+        self.assertIn('"name":"spare"', (self.folder / "spare").read_text(), said)

@@ -47,6 +47,20 @@ const CLI::Option* positionalAt(const CLI::App& verb, std::size_t index) {
 
 bool takesValue(const CLI::Option& option) { return option.get_items_expected_max() > 0; }
 
+// How much of a word is an option with the "=" that its value follows; 0 if it is none such.
+std::size_t sizeBeforeValue(const std::string& word) { return begins(word, "--") ? word.find('=') + 1 : 0; }
+
+// The option, with its value behind "=" or none as yet.
+void takeOption(Line& line, const std::string& word) {
+    const std::size_t value = sizeBeforeValue(word);
+    const CLI::Option* option = line.verb->get_option_no_throw(value == 0 ? word : word.substr(0, value - 1));
+    if (!option || !takesValue(*option)) return;
+    if (value == 0)
+        line.awaited = option;
+    else
+        line.given.emplace(option->get_single_name(), word.substr(value));
+}
+
 void take(Line& line, const std::string& word) {
     if (line.awaited) {
         line.given.emplace(line.awaited->get_single_name(), word);
@@ -54,8 +68,7 @@ void take(Line& line, const std::string& word) {
     } else if (word == "--") {
         line.isOnlyWords = true;
     } else if (!line.isOnlyWords && word.size() > 1 && word[0] == '-') {
-        const CLI::Option* option = line.verb->get_option_no_throw(word);
-        if (option && takesValue(*option)) line.awaited = option;
+        takeOption(line, word);
     } else if (const CLI::Option* option = positionalAt(*line.verb, line.positional++)) {
         line.given.emplace(option->get_name(true, false), word);
     }
@@ -90,31 +103,39 @@ Words splitAt(const std::string& text, char separator) {
     return parts;
 }
 
+// Paths of siblings that begin as they should, and whether these are all there are.
+struct Siblings {
+    Words paths;
+    bool isWhole = true;
+};
+
 // The children of one object whose names begin so; of many children the first.
-Words childrenOf(const Tree& tree, const std::string& parent, const std::string& beginning) {
+Siblings childrenOf(const Tree& tree, const std::string& parent, const std::string& beginning) {
     constexpr int kMostSiblings = 20000;
     constexpr std::size_t kMostCandidates = 1000;
-    Words paths;
+    Siblings found;
     const Object holder = parent.empty() ? tree.root() : tree.find(parent);
-    if (!holder) return paths;
+    if (!holder) return found;
     Children children(holder);
-    for (int i = 0; i < kMostSiblings && paths.size() < kMostCandidates && !children.isAtEnd(); ++i) {
+    for (int i = 0; i < kMostSiblings && found.paths.size() < kMostCandidates && !children.isAtEnd(); ++i) {
         const std::string name = nameOf(children.take());
         const bool hasPath = !name.empty() && name.find_first_of(".\n") == std::string::npos;
-        if (hasPath && begins(name, beginning)) paths.push_back(joined(parent, name));
+        if (hasPath && begins(name, beginning)) found.paths.push_back(joined(parent, name));
     }
-    return paths;
+    found.isWhole = children.isAtEnd();
+    return found;
 }
 
-// A path that is whole already leads to what is below it.
+// A path that is whole already leads to what is below it, unless others go on from it, or may.
 Words pathsIn(const Tree& tree, const std::string& typed) {
     const std::size_t dot = typed.rfind('.');
     const std::string parent = dot == std::string::npos ? "" : typed.substr(0, dot);
     const std::string name = dot == std::string::npos ? typed : typed.substr(dot + 1);
-    Words paths = childrenOf(tree, parent, name);
-    if (paths.size() != 1 || paths.front() != typed) return paths;
-    const Words below = childrenOf(tree, typed, "");
-    return below.empty() ? paths : below;
+    Siblings found = childrenOf(tree, parent, name);
+    if (!found.isWhole && found.paths.empty() && !name.empty() && tree.find(typed)) return {typed};
+    if (!found.isWhole || found.paths.size() != 1 || found.paths.front() != typed) return found.paths;
+    Words below = childrenOf(tree, typed, "").paths;
+    return below.empty() ? found.paths : below;
 }
 
 // Documents are read whole for this, and so only short ones are.
@@ -179,10 +200,14 @@ std::string answerFor(const Line& line, const std::string& what, const std::stri
     return answerOf("words", isChoice ? splitAt(what, '|') : Words(), typed);
 }
 
-std::string answerFor(const Line& line, const std::string& typed) {
+std::string answerFor(Line& line, const std::string& typed) {
     if (line.awaited) return answerFor(line, line.awaited->get_type_name(), typed);
-    if (!line.isOnlyWords && !typed.empty() && typed[0] == '-')
-        return answerOf("words", optionsOf(*line.verb), typed);
+    if (!line.isOnlyWords && !typed.empty() && typed[0] == '-') {
+        const std::size_t value = sizeBeforeValue(typed);
+        if (value == 0) return answerOf("words", optionsOf(*line.verb), typed);
+        takeOption(line, typed.substr(0, value - 1));
+        return line.awaited ? answerFor(line, line.awaited->get_type_name(), typed.substr(value)) : "words\n";
+    }
     const CLI::Option* option = positionalAt(*line.verb, line.positional);
     return option ? answerFor(line, option->get_name(true, false), typed) : answerOf("words", {}, "");
 }

@@ -38,6 +38,25 @@ inline std::string bytesOf(IDataStore& store, std::uint32_t offset) {
 
 inline std::uint32_t sizeOf(std::string_view bytes) { return static_cast<std::uint32_t>(bytes.size()); }
 
+// That many bytes, each unlike those near it.
+inline std::string numbered(std::size_t size) {
+    std::string bytes(size, '\0');
+    for (std::size_t index = 0; index < size; ++index)
+        bytes[index] = static_cast<char>(index * 7 + index / 256);
+    return bytes;
+}
+
+// What goes from one place of a record to another; most parts overlap with the place that they go to.
+struct tOwnPart {
+    std::uint32_t from;
+    std::uint32_t to;
+    std::uint32_t size;
+};
+inline constexpr tOwnPart kOwnParts[] = {
+    {0, 0, 600},  {3, 0, 4},  {0, 3, 4},  {20, 21, 1},  {9, 30, 13},  {30, 26, 20},
+    {26, 30, 20}, {8, 5, 40}, {5, 8, 40}, {11, 3, 500}, {3, 11, 500}, {200, 0, 400},
+};
+
 // Does to a map what is done to a store, and compares the two.
 class StoreModel {
   public:
@@ -322,16 +341,28 @@ TYPED_TEST_P(StoreContract, WriteWithoutTheFlagIsReadBack) {
     EXPECT_EQ(this->bytes(offset), "of another size");
 }
 
-TYPED_TEST_P(StoreContract, RecordCanBeWrittenFromItsOwnView) {
-    const std::uint32_t offset = this->append("0123456789");
-    std::uint32_t size = 0;
-    const char* view = static_cast<const char*>(this->store().view(offset, size));
-    if (!view) GTEST_SKIP() << "this store has no views";
+TYPED_TEST_P(StoreContract, WriteCanTakeItsOwnView) {
+    for (const tOwnPart& part : kOwnParts) {
+        const std::string before = numbered(600);
+        const std::uint32_t offset = this->append(before);
+        std::uint32_t size = 0;
+        const char* view = static_cast<const char*>(this->store().view(offset, size));
+        if (!view) GTEST_SKIP() << "this store has no views";
 
-    this->store().write(offset, view + 3, 5, true);
-    EXPECT_EQ(this->bytes(offset), "34567");
+        this->store().write(offset, view + part.from, part.size, true);
+
+        EXPECT_EQ(this->bytes(offset), before.substr(part.from, part.size)) << part.size;
+    }
+}
+
+TYPED_TEST_P(StoreContract, ExtendCanTakeItsOwnView) {
+    const std::uint32_t offset = this->append("34567");
+    std::uint32_t size = 0;
+    if (!this->store().view(offset, size)) GTEST_SKIP() << "this store has no views";
+
     for (int round = 0; round < 10; ++round)
         this->store().extend(offset, this->store().view(offset, size), this->store().recordSize(offset));
+
     EXPECT_EQ(this->store().recordSize(offset), 5u << 10);
     EXPECT_EQ(this->bytes(offset).substr(5113), "6734567");
 }
@@ -407,6 +438,22 @@ TYPED_TEST_P(StoreContract, PatchReachesTheLastByteAndNotBeyond) {
     EXPECT_THROW(this->store().patch(IDataStore::BADOFF, 0, "a", 1, true), std::exception);
 
     EXPECT_EQ(this->bytes(offset), "012345678x");
+}
+
+TYPED_TEST_P(StoreContract, PatchCanTakeItsOwnView) {
+    for (const bool flag : {true, false})
+        for (const tOwnPart& part : kOwnParts) {
+            const std::string before = numbered(600);
+            const std::uint32_t offset = this->append(before);
+            std::uint32_t size = 0;
+            const char* view = static_cast<const char*>(this->store().view(offset, size));
+            if (!view || !this->store().patch(offset, part.to, view + part.from, part.size, flag))
+                GTEST_SKIP() << "this store has no views or no patches";
+
+            std::string expected = before;
+            expected.replace(part.to, part.size, before.substr(part.from, part.size));
+            EXPECT_EQ(this->bytes(offset), expected) << part.from << " to " << part.to << ", " << part.size;
+        }
 }
 
 TYPED_TEST_P(StoreContract, ChangeStampMovesWithEveryChangeButBookkeeping) {
@@ -521,11 +568,12 @@ REGISTER_TYPED_TEST_SUITE_P(
     ReadOfOneByteGivesTheFirst, ReadOfOneByteLeavesAZeroThatIsThere,
     ReadOfOneByteLeavesTheByteWhereThereIsNoRecord, NoRecordHasSizeZeroAndCanBeRemoved,
     EverythingElseThrowsWhereThereIsNoRecord, WriteOfMoreBytesKeepsTheOffset,
-    WriteOfFewerBytesLeavesNothingOfTheOld, WriteWithoutTheFlagIsReadBack, RecordCanBeWrittenFromItsOwnView,
-    ExtendOfOneByteByFourGivesFive, ManySmallExtensionsCostWhatTheyAdd, LargeRecordsAreKept,
-    ViewShowsTheRecordOrNothing, ViewOfNoRecordIsNullOfSizeZero, PatchChangesTheBytesInPlaceOrNothing,
-    PatchReachesTheLastByteAndNotBeyond, ChangeStampMovesWithEveryChangeButBookkeeping, FlushKeepsEverything,
-    GuardIsReentrantWithinAThread, GuardKeepsOtherThreadsOutUntilTheLastIsGone,
-    ThreadsThatTakeTheGuardLoseNothing, RandomOperationsAgreeWithAMap);
+    WriteOfFewerBytesLeavesNothingOfTheOld, WriteWithoutTheFlagIsReadBack, WriteCanTakeItsOwnView,
+    ExtendCanTakeItsOwnView, ExtendOfOneByteByFourGivesFive, ManySmallExtensionsCostWhatTheyAdd,
+    LargeRecordsAreKept, ViewShowsTheRecordOrNothing, ViewOfNoRecordIsNullOfSizeZero,
+    PatchChangesTheBytesInPlaceOrNothing, PatchReachesTheLastByteAndNotBeyond, PatchCanTakeItsOwnView,
+    ChangeStampMovesWithEveryChangeButBookkeeping, FlushKeepsEverything, GuardIsReentrantWithinAThread,
+    GuardKeepsOtherThreadsOutUntilTheLastIsGone, ThreadsThatTakeTheGuardLoseNothing,
+    RandomOperationsAgreeWithAMap);
 
 }  // namespace norvane::platform::test

@@ -210,10 +210,12 @@ bool MemoryDataStore::patch(std::uint32_t offset, std::uint32_t position, const 
                             std::uint32_t size, bool flag) {
     const Block& block = contents_->at(offset);
     if (std::uint64_t{position} + size > block.size) throw std::out_of_range("patch outside of the record");
-    if (size == sizeof(std::uint32_t))
-        std::memcpy(block.bytes + position, bytes, sizeof(std::uint32_t));  // most patches are of one number
-    else
+    if (std::uint32_t number = 0; size == sizeof number) {  // as most patches are
+        std::memcpy(&number, bytes, sizeof number);
+        std::memcpy(block.bytes + position, &number, sizeof number);
+    } else {
         copyBytes(block.bytes + position, bytes, size);
+    }
     if (flag) contents_->changed(offset, position);
     return true;
 }

@@ -19,7 +19,8 @@ inline constexpr std::uint32_t kWholeRecord = 0xFFFFFFFFu;
 /// Failure. A store that cannot do what is asked throws, and callers let that pass. Every call that changes
 /// something either does all of it or throws and changes nothing.
 ///
-/// Bytes that are handed in may lie in a view of the same store, also of the record that they go to.
+/// Bytes that are handed in may lie in a view of the same store, also of the record that they go to: such as
+/// those behind a removed value, which move up over it.
 ///
 /// Threads. Callers hold a guard around related calls. The store itself need not be safe without it.
 ///
@@ -75,12 +76,13 @@ class QVT_CORE_API IDataStore {
     /// Adds a record with a copy of the bytes, and answers its offset. `buffer` may be null if `size` is 0.
     virtual std::uint32_t append(const void* buffer, std::uint32_t size) = 0;
 
-    /// Adds bytes to the end of an existing record. Filling a record this way costs time in proportion to
-    /// what is added.
+    /// Adds bytes to the end of an existing record, also bytes of its own. Filling a record this way costs
+    /// time in proportion to what is added.
     virtual void extend(std::uint32_t offset, const void* buffer, std::uint32_t size) = 0;
 
     /// Replaces the bytes of an existing record, whose size becomes `size`. `flag` is false for a write that
-    /// changes nothing but bookkeeping (how often an entity is open), and true for every other.
+    /// changes nothing but bookkeeping (how often an entity is open), and true for every other. `buffer` may
+    /// be any part of the record's own view.
     virtual void write(std::uint32_t offset, const void* buffer, std::uint32_t size, bool flag) = 0;
 
     /// The size of a record in bytes; 0 where there is none.
@@ -95,7 +97,8 @@ class QVT_CORE_API IDataStore {
     virtual const void* view(std::uint32_t offset, std::uint32_t& size);
 
     /// Replaces `size` bytes of a record from `position` on; the record keeps its size. False means that this
-    /// store does not offer it, and nothing was changed. `flag` as in `write`.
+    /// store does not offer it, and nothing was changed. `flag` as in `write`. `bytes` may be any part of the
+    /// record's own view, also one that overlaps with what it replaces.
     virtual bool patch(std::uint32_t offset, std::uint32_t position, const void* bytes, std::uint32_t size,
                        bool flag);
 

@@ -30,8 +30,9 @@ class QVT_DATA_TYPE ISchemaLocator {
     /// Registers a store. Nothing happens for null and for a store that is registered.
     virtual void addStore(IDataStore* store) = 0;
 
-    /// Takes a store out, with all layouts cached from it: schemas that hold one are dangling then. False
-    /// when it is not registered.
+    /// Takes a store out, with all layouts cached from it: schemas that hold one are dangling then. So it
+    /// must not run while another thread is in `locate`, which could be about to give one out. False when the
+    /// store is not registered.
     virtual bool removeStore(IDataStore* store) = 0;
 
     /// Takes all stores out, but keeps the cached layouts: their names are still found, and their tables stay

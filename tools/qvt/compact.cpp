@@ -27,6 +27,7 @@ void dropUnreachable(FileDataStore& store, const Options& options) {
 
 int compact(const Options& options) {
     mustBeFileStore(options.store, "compact");
+    openForReading(options.store);  // what is no store at all is not damaged
     mustBeSound(data::integrity::checkFile(options.store), options.store);
     FileDataStore::Options how;
     how.creation = FileDataStore::Creation::never;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <charconv>
 #include <cstddef>
 #include <cstdint>
@@ -12,6 +13,7 @@
 #include <streambuf>
 #include <string>
 #include <type_traits>
+#include <utility>
 
 #include "xml/SevenDigits.h"
 #include "xml/Tokenizer.h"
@@ -72,11 +74,44 @@ constexpr auto exactPowers() {
     return powers;
 }
 
+// Eight characters that are looked at together, the first one in the lowest byte.
+using tOctet = std::uint64_t;
+
+constexpr tOctet octetOf(std::uint8_t each) { return tOctet{0x0101010101010101} * each; }
+
+// How many digits there are ahead of the first other character.
+int leadingDigits(tOctet octet) {
+    const tOctet others = ((octet + octetOf(0x80 - '9' - 1)) | (octet - octetOf('0'))) & octetOf(0x80);
+    return others == 0 ? 8 : std::countr_zero(others) / 8;
+}
+
+// The number that the first `count` digits make; there is one at least.
+std::uint64_t leadingNumber(tOctet octet, int count) {
+    octet = (octet - octetOf('0')) << (64 - 8 * count);  // and zeros ahead of them
+    octet = octet * 10 + (octet >> 8);
+    constexpr tOctet kPairs = 0x000000FF000000FF;
+    return ((octet & kPairs) * 0x000F424000000064 + (octet >> 16 & kPairs) * 0x0000271000000001) >> 32;
+}
+
 // Reads on over digits and gives how many there were; `number` means nothing after more than 19 in all.
+// Lengths vary too much for a branch at each digit to be foreseen.
 std::ptrdiff_t takeDigits(const char*& at, const char* end, std::uint64_t& number) {
-    const char* begin = at;
-    for (; at != end && isDigit(*at); ++at) number = number * 10 + static_cast<std::uint64_t>(*at - '0');
-    return at - begin;
+    static constexpr std::array<std::uint64_t, 9> kTens{1,      10,      100,      1000,     10000,
+                                                        100000, 1000000, 10000000, 100000000};
+    const char* next = at;
+    int count = 8;
+    while (count == 8 && end - next >= 8) {
+        tOctet octet;
+        std::memcpy(&octet, next, sizeof octet);
+        count = leadingDigits(octet);
+        if (count == 0) break;
+        number = number * kTens[static_cast<std::size_t>(count)] + leadingNumber(octet, count);
+        next += count;
+    }
+    if (count == 8)
+        for (; next != end && isDigit(*next); ++next)
+            number = number * 10 + static_cast<std::uint64_t>(*next - '0');
+    return next - std::exchange(at, next);
 }
 
 constexpr std::ptrdiff_t kMostDigits = 19;

@@ -72,7 +72,8 @@ std::optional<std::uint32_t> ChildCache::find(IDataStore* store, std::uint32_t l
     const std::unique_lock lock(mutex_, std::try_to_lock);
     const Known* known = lock ? upToDate(store, list) : nullptr;
     if (!known) return std::nullopt;
-    const std::uint32_t* found = known->tracked->index.find(name);
+    const std::uint32_t* found = known->tracked->index.findByRecord(
+        name, [&](std::uint32_t child) { return Record::Snapshot(store, child)->hasName(name); });
     return found ? *found : std::uint32_t{IDataStore::BADOFF};
 }
 

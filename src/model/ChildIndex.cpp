@@ -1,77 +1,60 @@
 #include "model/ChildIndex.h"
 
 #include <algorithm>
+#include <limits>
 #include <utility>
 
-#include "records/NameMap.h"
+#include "records/Records.h"
 
 namespace norvane::platform::data::Metadata {
 
 namespace {
 
-constexpr std::size_t kNowhere = static_cast<std::size_t>(-1);
-constexpr std::size_t kFirstSlots = 32;
+constexpr std::size_t kFirstHashed = 32;
 // Of a deep document every level has an index open, so the first room is small.
-constexpr std::size_t kFirstEntries = 4;
+constexpr std::size_t kFirstPlaces = 4;
 constexpr std::size_t kFirstUnits = 32;
 
 // Doubles what is too small: many small steps must not cost the square of their number.
 template <class T>
-void reserveFor(std::vector<T>& items, std::size_t more, std::size_t first) {
+void reserveFor(PoolVector<T>& items, std::size_t more, std::size_t first) {
     const std::size_t wanted = items.size() + more;
     if (wanted > items.capacity()) items.reserve(std::max({wanted, items.capacity() * 2, first}));
 }
 
 }  // namespace
 
-// Never 0, which is the mark of what was erased.
+// Never one of the marks.
 std::uint32_t ChildIndex::hashOf(std::u16string_view name) {
     return static_cast<std::uint32_t>(nameHash(name)) | 1u << 31;
 }
 
-std::u16string_view ChildIndex::nameOf(std::size_t entry) const {
-    const std::uint64_t begin = entries_[entry].begin;
-    const std::uint64_t end = entry + 1 == entries_.size() ? names_.size() : entries_[entry + 1].begin;
-    return {names_.data() + begin, static_cast<std::size_t>(end - begin)};
-}
-
-// The first entry with that hash that `isWanted` takes.
-template <class IsWanted>
-std::size_t ChildIndex::position(std::uint32_t hash, IsWanted isWanted) const {
-    if (slots_.empty()) {
-        for (std::size_t entry = 0; entry < entries_.size(); ++entry)
-            if (entries_[entry].hash == hash && isWanted(entry)) return entry;
-        return kNowhere;
-    }
-    const std::size_t mask = slots_.size() - 1;
-    for (std::size_t slot = hash & mask; slots_[slot] != 0; slot = (slot + 1) & mask) {
-        const std::size_t entry = slots_[slot] - 1;
-        if (entries_[entry].hash == hash && isWanted(entry)) return entry;
-    }
-    return kNowhere;
-}
-
 std::size_t ChildIndex::position(std::u16string_view name, std::uint32_t hash) const {
-    return position(hash, [&](std::size_t entry) { return nameOf(entry) == name; });
+    return position(hash, [&](const Place& place) { return nameOf(place) == name; });
 }
 
 const std::uint32_t* ChildIndex::find(std::u16string_view name) const {
-    if (entries_.empty() || isReserved(name)) return nullptr;
-    const std::size_t entry = position(name, hashOf(name));
-    return entry == kNowhere ? nullptr : &entries_[entry].offset;
+    if (isEmpty() || isReserved(name)) return nullptr;
+    const std::size_t place = position(name, hashOf(name));
+    return place == kNowhere ? nullptr : &places_[place].offset;
 }
 
 bool ChildIndex::insert(std::u16string_view name, std::uint32_t offset) {
+    if (find(name)) return false;
+    insertNew(name, offset);
+    return true;
+}
+
+void ChildIndex::insertNew(std::u16string_view name, std::uint32_t offset) {
     if (isReserved(name)) {
         ++reserved_;
-        return true;
+        return;
     }
-    const std::uint32_t hash = hashOf(name);
-    if (position(name, hash) != kNowhere) return false;
+    if (names_.size() + name.size() > std::numeric_limits<std::uint32_t>::max()) throw TooLarge();
     makeRoom();
     reserveFor(names_, name.size(), kFirstUnits);
-    add(name, offset, hash);
-    return true;
+    put(withName({offset, hashOf(name), 0, static_cast<std::uint32_t>(name.size())}, name));
+    ++live_;
 }
 
 bool ChildIndex::erase(std::u16string_view name) {
@@ -79,51 +62,59 @@ bool ChildIndex::erase(std::u16string_view name) {
 }
 
 bool ChildIndex::eraseOffset(std::uint32_t offset, std::uint32_t hash) {
-    return eraseAt(position(hash, [&](std::size_t entry) { return entries_[entry].offset == offset; }));
+    return eraseAt(position(hash, [&](const Place& place) { return place.offset == offset; }));
 }
 
-bool ChildIndex::eraseAt(std::size_t entry) {
-    if (entry == kNowhere) return false;
-    entries_[entry].hash = 0;
+bool ChildIndex::eraseAt(std::size_t place) {
+    if (place == kNowhere) return false;
+    places_[place].hash = kErased;
     --live_;
     return true;
 }
 
-// All that can fail on the way to one entry more. Of the slots at least half stay free, and what was erased
-// goes once it is most of the entries.
+// All that can fail on the way to one name more. Half of the places by hash stay free, and what was
+// erased goes once it is in the way.
 void ChildIndex::makeRoom() {
-    if (entries_.size() < kFew || (entries_.size() + 1) * 2 <= slots_.size())
-        reserveFor(entries_, 1, kFirstEntries);
-    else
+    if (!isHashed() && used_ < kFew)
+        reserveFor(places_, 1, kFirstPlaces);
+    else if (!isHashed() || (std::size_t{used_} + 1) * 2 > places_.size())
         rebuild();
 }
 
-void ChildIndex::add(std::u16string_view name, std::uint32_t offset, std::uint32_t hash) {
-    const auto entry = static_cast<std::uint32_t>(entries_.size());
-    entries_.push_back({names_.size(), offset, hash});
-    names_.insert(names_.end(), name.begin(), name.end());
-    if (!slots_.empty()) place(slots_, hash, entry + 1);
-    ++live_;
+void ChildIndex::put(const Place& place) {
+    ++used_;
+    if (!isHashed()) {
+        places_.push_back(place);
+        return;
+    }
+    const std::size_t mask = places_.size() - 1;
+    std::size_t at = place.hash & mask;
+    while (places_[at].hash != kFree) at = (at + 1) & mask;
+    places_[at] = place;
 }
 
 void ChildIndex::rebuild() {
     ChildIndex fresh;
-    std::size_t slots = kFirstSlots;
-    while (slots < (std::size_t{live_} + 1) * 4) slots *= 2;
-    fresh.slots_.resize(slots);
-    fresh.entries_.reserve(slots / 2);
-    fresh.names_.reserve(names_.size());
-    for (std::size_t entry = 0; entry < entries_.size(); ++entry)
-        if (entries_[entry].hash != 0) fresh.add(nameOf(entry), entries_[entry].offset, entries_[entry].hash);
+    std::size_t size = kFirstHashed;
+    while (size < (std::size_t{live_} + 1) * 3) size *= 2;
+    fresh.places_.resize(size);
+    const bool isWhole = used_ == live_;  // else the names of those that were erased go
+    if (!isWhole) fresh.names_.reserve(names_.size());
+    for (const Place& place : places_) {
+        if (place.hash <= kErased) continue;
+        fresh.put(isWhole ? place : fresh.withName(place, nameOf(place)));
+    }
+    if (isWhole) fresh.names_ = std::move(names_);
+    fresh.live_ = live_;
     fresh.reserved_ = reserved_;
     *this = std::move(fresh);
 }
 
-void ChildIndex::place(std::vector<std::uint32_t>& slots, std::uint32_t hash, std::uint32_t entry) {
-    const std::size_t mask = slots.size() - 1;
-    std::size_t slot = hash & mask;
-    while (slots[slot] != 0) slot = (slot + 1) & mask;
-    slots[slot] = entry;
+// The place with its name behind those that are there. There is room.
+ChildIndex::Place ChildIndex::withName(const Place& place, std::u16string_view name) {
+    const auto begin = static_cast<std::uint32_t>(names_.size());
+    names_.insert(names_.end(), name.begin(), name.end());
+    return {place.offset, place.hash, begin, place.length};
 }
 
 }  // namespace norvane::platform::data::Metadata

@@ -3,6 +3,7 @@
 #include <new>
 
 #include "core/memory/KeptBlocks.h"
+#include "core/memory/LargePages.h"
 
 namespace norvane::platform::core::memory {
 namespace {
@@ -42,10 +43,26 @@ class Keeper {
     static_cast<void>(keeper);
 }
 
+constexpr std::align_val_t kLargeAlignment{kLargePage};
+
+void* takeLarge(std::size_t size) {
+    if (size < kLargePage) return ::operator new(size);
+    void* block = ::operator new(size, kLargeAlignment);
+    preferLargePages(block, size);
+    return block;
+}
+
+void freeLarge(void* pointer, std::size_t size) {
+    if (size < kLargePage)
+        ::operator delete(pointer, size);
+    else
+        ::operator delete(pointer, size, kLargeAlignment);
+}
+
 }  // namespace
 
 void* PooledHeap::malloc(std::size_t size) {
-    if (!kKeepsBlocks || size > KeptBlocks::kLargest) return ::operator new(size);
+    if (!kKeepsBlocks || size > KeptBlocks::kLargest) return takeLarge(size);
     const std::size_t sizeClass = KeptBlocks::classOf(size);
     if (kept)
         if (void* block = kept->take(sizeClass)) return block;
@@ -53,7 +70,7 @@ void* PooledHeap::malloc(std::size_t size) {
 }
 
 void PooledHeap::free(void* pointer, std::size_t size) {
-    if (!kKeepsBlocks || size > KeptBlocks::kLargest || !pointer) return ::operator delete(pointer, size);
+    if (!kKeepsBlocks || size > KeptBlocks::kLargest || !pointer) return freeLarge(pointer, size);
     const std::size_t sizeClass = KeptBlocks::classOf(size);
     if (!kept) beginKeeping();
     if (kept && kept->put(pointer, sizeClass)) return;

@@ -4,24 +4,28 @@
 #include <new>
 #include <utility>
 
+#include "core/memory/LargePages.h"
 #include "stores/pool/Fence.h"
 
 namespace norvane::platform::core::storage::datastore {
 namespace {
 
 constexpr std::size_t kFirstChunk = std::size_t{4} << 10;
-constexpr std::size_t kLargestChunk = std::size_t{1} << 20;
+constexpr std::size_t kLargestChunk = std::size_t{4} << 20;
 
 // Small records that have the size of a cache line lie in one.
-constexpr std::align_val_t kChunkAlignment{64};
+std::align_val_t alignmentOf(std::size_t chunkSize) {
+    constexpr std::size_t kCacheLine = 64;
+    return std::align_val_t{chunkSize < memory::kLargePage ? kCacheLine : memory::kLargePage};
+}
 
 }  // namespace
 
-void RecordPool::Free::operator()(std::byte* chunk) const { ::operator delete[](chunk, kChunkAlignment); }
+void RecordPool::Free::operator()(std::byte* chunk) const { ::operator delete[](chunk, alignmentOf(size)); }
 
 RecordPool::~RecordPool() {
     // The allocator gets its memory back as it gave it out.
-    for (const Chunk& chunk : chunks_) openMemory(chunk.bytes.get(), chunk.size);
+    for (const Chunk& chunk : chunks_) openMemory(chunk.get(), chunk.get_deleter().size);
 }
 
 Block RecordPool::take(std::uint32_t size, std::uint32_t capacity) {
@@ -115,12 +119,13 @@ std::byte* RecordPool::cut(std::uint32_t capacity) {
 // What is left of the chunk in use is too short for the block that is wanted now, but not for every other.
 void RecordPool::addChunk() {
     const std::size_t size = std::clamp(chunkSize_ * 2, kFirstChunk, kLargestChunk);
-    std::unique_ptr<std::byte[], Free> bytes(new (kChunkAlignment) std::byte[size]);
-    chunks_.push_back({std::move(bytes), size});
+    Chunk chunk(new (alignmentOf(size)) std::byte[size], Free{size});
+    memory::preferLargePages(chunk.get(), size);
+    chunks_.push_back(std::move(chunk));
     const auto rest = static_cast<std::uint32_t>(uncutEnd_ - uncut_);
     if (rest != 0) keep(uncut_, rest);
     chunkSize_ = size;
-    uncut_ = chunks_.back().bytes.get();
+    uncut_ = chunks_.back().get();
     uncutEnd_ = uncut_ + size;
     closeMemory(uncut_, size);
 }

@@ -87,11 +87,9 @@ class RecordPool {
     };
     struct Free {
         void operator()(std::byte* chunk) const;
-    };
-    struct Chunk {
-        std::unique_ptr<std::byte[], Free> bytes;
         std::size_t size;
     };
+    using Chunk = std::unique_ptr<std::byte[], Free>;
 
     void replace(Block& block, const Block& fresh);
     std::byte* takeSmall(std::uint32_t capacity);

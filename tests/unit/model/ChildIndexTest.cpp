@@ -52,6 +52,21 @@ TEST(ChildIndexTest, ReservedNamesAreCountedAndNeverFound) {
     EXPECT_EQ(index.size(), 2u);
 }
 
+TEST(ChildIndexTest, RecordsDecideWhereTheyAreAsked) {
+    ChildIndex index;
+    for (unsigned i = 0; i < 100; ++i) index.insert(numbered(i), i);
+    std::uint32_t asked = 0;
+
+    const std::uint32_t* offset = index.findByRecord(numbered(7), [&](std::uint32_t child) {
+        asked = child;
+        return true;
+    });
+
+    EXPECT_EQ(*offset, 7u);
+    EXPECT_EQ(asked, 7u);
+    EXPECT_EQ(index.findByRecord(numbered(7), [](std::uint32_t) { return false; }), nullptr);
+}
+
 TEST(ChildIndexTest, NameCanBeTheBeginningOfAnother) {
     ChildIndex index;
     index.insert(u"ab", 1);

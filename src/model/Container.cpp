@@ -38,6 +38,7 @@ Container::Container(Metadata::Set& parent, std::uint32_t kind, std::u16string_v
     record.addText(field::containerNameSize, name);
     if (linkTarget) record.addText(field::linkTargetSize, linkTarget_);
     bindNew(parent.store(), parent.appendChild(record, name), name);
+    beUnseen();
 }
 
 std::uint32_t Container::clone(IDataStore* target) {

@@ -69,7 +69,7 @@ void Item::raiseOpenCount(const Record::View& record) {
     counted_ = true;
 }
 
-void Item::count() {
+void Item::beSeen() {
     if (!inert_ && !counted_) raiseOpenCount();
 }
 

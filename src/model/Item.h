@@ -18,7 +18,7 @@ class Set;
 
 // Why an object is opened. A `handle` outlives the operation: it counts in its record's open count, and it
 // remembers the children as they are now. A `transient` lives and dies inside one operation, in which no code
-// of the host runs, or is told before it does (`count`): it writes no count, and looks at the children when
+// of the host runs, or is told before it does (`beSeen`): it writes no count, and looks at the children when
 // it is asked.
 enum class Opening { handle, transient };
 
@@ -94,8 +94,8 @@ class Item {
 
     // How many exceptions were under way when this object was made.
     int exceptionsAtBirth() const { return exceptionsAtBirth_; }
-    // Counts in the record from now on, if it did not yet.
-    void count();
+    // Others may look at the store from here on: counts in the record, if it did not yet.
+    virtual void beSeen();
     // This object if it has children, else null.
     virtual Set* asSet() { return nullptr; }
 

@@ -54,9 +54,13 @@ std::vector<std::uint32_t> listedChildren(IDataStore* store, std::uint32_t listO
 
 std::uint32_t findChild(IDataStore* store, std::uint32_t setOffset, std::u16string_view name) {
     const Record::Snapshot set(store, setOffset);
-    if (isReserved(name) || !isSet(set->kind()) || !set->isWhole(static_cast<Record::Kind>(set->kind())))
+    if (!isSet(set->kind()) || !set->isWhole(static_cast<Record::Kind>(set->kind())))
         return IDataStore::BADOFF;
-    const std::uint32_t listOffset = set->load(Record::field::children);
+    return findListed(store, set->load(Record::field::children), name);
+}
+
+std::uint32_t findListed(IDataStore* store, std::uint32_t listOffset, std::u16string_view name) {
+    if (listOffset == IDataStore::BADOFF || isReserved(name)) return IDataStore::BADOFF;
     const Record::Snapshot list(store, listOffset);
     if (!list->isWhole(Record::Kind::offsets)) return IDataStore::BADOFF;
     if (ChildCache* cache = ChildCache::of(store, list->valueCount()))

@@ -22,6 +22,9 @@ std::vector<std::uint32_t> listedChildren(IDataStore* store, std::uint32_t listO
 // The first child of that name in the set's stored list, or BADOFF. Keeps nothing but what the store shares.
 std::uint32_t findChild(IDataStore* store, std::uint32_t setOffset, std::u16string_view name);
 
+// The same in a list record; BADOFF where there is none.
+std::uint32_t findListed(IDataStore* store, std::uint32_t listOffset, std::u16string_view name);
+
 // Walks from the record at `start` through children named by the path's parts (cut at every "."; an empty
 // part is a name too). BADOFF when a name is missing. A walk that meets a primitive ends there: with exactly
 // one part left it gives the primitive itself, with more it gives BADOFF, so callers look at the kind they

@@ -11,6 +11,9 @@ namespace field = Record::field;
 
 namespace {
 
+// So many children of an unseen set are looked through in the store.
+constexpr std::uint32_t kFewUnseen = 16;
+
 // The field is four times as long as the text needs; what lies behind the text is zero. False when such a
 // field does not fit.
 bool storeName(Record::Entity& record, std::u16string_view name) {
@@ -28,6 +31,17 @@ Set::Set() noexcept : childrenRecord_(IDataStore::BADOFF) {}
 void Set::indexChildren(Opening opening) {
     indexed_ = false;
     if (opening == Opening::handle) loadChildren();
+}
+
+void Set::beUnseen() {
+    isUnseen_ = true;
+    indexed_ = false;
+}
+
+void Set::beSeen() {
+    Item::beSeen();
+    if (isUnseen_ && !indexed_) loadChildren();
+    isUnseen_ = false;
 }
 
 void Set::loadChildren() {
@@ -70,14 +84,18 @@ std::uint32_t Set::lookUp(std::u16string_view name) {
     return found ? *found : std::uint32_t{IDataStore::BADOFF};
 }
 
-// The first of equal names stays.
-void Set::insert(std::u16string_view name, std::uint32_t offset) {
+// A child that is about to be listed, and that `find` does not know. An unseen set with many is indexed ahead
+// of one more.
+void Set::remember(std::u16string_view name, std::uint32_t offset) {
+    if (isUnseen_ && !indexed_ && ++count_ > kFewUnseen) loadChildren();
+    if (indexed_) insertNew(name, offset);
+}
+
+void Set::insertNew(std::u16string_view name, std::uint32_t offset) {
     settle();
-    if (shared_) {
-        if (lookUp(name) != IDataStore::BADOFF) return;
-        own_.erase(name);
-    }
-    if (own_.insert(name, offset)) ++count_;
+    if (shared_) own_.erase(name);  // it may be hidden there
+    own_.insertNew(name, offset);
+    ++count_;
 }
 
 void Set::forget(std::u16string_view name) {
@@ -102,8 +120,8 @@ void Set::reloadChildren() {
 }
 
 std::uint32_t Set::find(std::u16string_view name) {
-    if (!indexed_) return findChild(store(), offset(), name);
-    return lookUp(name);
+    if (indexed_) return lookUp(name);
+    return isUnseen_ ? findListed(store(), childrenRecord_, name) : findChild(store(), offset(), name);
 }
 
 std::uint32_t Set::resolve(std::u16string_view path) {
@@ -135,7 +153,7 @@ std::vector<std::uint32_t> Set::countedChildren() {
 }
 
 bool Set::addChild(std::uint32_t offset) {
-    if (!isStored()) return false;
+    if (!isHere()) return false;
     Record::ShortText name;
     {
         const Record::Snapshot child(store(), offset);
@@ -144,17 +162,17 @@ bool Set::addChild(std::uint32_t offset) {
     }
     if (find(name.view()) != IDataStore::BADOFF) return false;
     Record::storeField(store(), offset, field::parent, this->offset());
-    if (indexed_) insert(name.view(), offset);
+    remember(name.view(), offset);
     link(offset);
     return true;
 }
 
-bool Set::hasRoomFor(std::u16string_view name) { return isStored() && find(name) == IDataStore::BADOFF; }
+bool Set::hasRoomFor(std::u16string_view name) { return isHere() && find(name) == IDataStore::BADOFF; }
 
 std::uint32_t Set::appendChild(Record::NewEntity& child, std::u16string_view name) {
     child.set(field::parent, offset());
     const std::uint32_t added = child.appendTo(store());
-    if (indexed_) insert(name, added);
+    remember(name, added);
     link(added);
     return added;
 }
@@ -165,6 +183,7 @@ bool Set::adoptList() {
     const auto isList = [this](std::uint32_t record) {
         return Record::kindOf(store(), record) == static_cast<std::uint8_t>(Record::Kind::offsets);
     };
+    if (isUnseen_) return childrenRecord_ != IDataStore::BADOFF;
     if (isList(childrenRecord_)) return true;
     childrenRecord_ = Record::Snapshot(store(), offset())->load(field::children);
     return isList(childrenRecord_);
@@ -205,20 +224,20 @@ bool Set::renameChild(std::u16string_view oldName, std::u16string_view newName) 
     }
     if (indexed_) {
         forget(oldName);
-        insert(newName, child);
+        insertNew(newName, child);
     }
     return true;
 }
 
 void Set::importChild(IDataStore* sourceStore, std::uint32_t offset) {
-    if (!isStored() || !Record::isChildKind(Record::kindOf(sourceStore, offset))) return;
+    if (!isHere() || !Record::isChildKind(Record::kindOf(sourceStore, offset))) return;
     Record::ShortText name;
     name = Record::Snapshot(sourceStore, offset)->nameSection();
     if (find(name.view()) != IDataStore::BADOFF) return;
     const CloneChanges changes{true, this->offset(), Record::kFixed | Record::kInherited};
     const std::uint32_t copy = cloneSubtree(sourceStore, offset, store(), changes);
     if (copy == IDataStore::BADOFF) return;
-    if (indexed_) insert(name.view(), copy);
+    remember(name.view(), copy);
     link(copy);
 }
 

@@ -27,6 +27,8 @@ class Set : public Item {
 
     // A direct child's offset, or BADOFF. The name is matched whole: a "." in it means nothing.
     std::uint32_t find(std::u16string_view name);
+    // Remembers the children as they are now, if it was `unseen` so far.
+    void beSeen() override;
     // The offset at the end of a dotted path, or BADOFF; see `resolvePath` for paths that run into a
     // primitive.
     std::uint32_t resolve(std::u16string_view path);
@@ -65,6 +67,9 @@ class Set : public Item {
   protected:
     Set() noexcept;
 
+    // For a set that was made in this operation, and that nobody else has met. Until it is seen, what the
+    // store says of its children is what this object would remember, so it remembers few of them.
+    void beUnseen();
     // Takes over the children of the record; an object opened as a handle indexes them.
     void bindChildren(const Record::View& record) { childrenRecord_ = record.load(Record::field::children); }
     void indexChildren(Opening opening);
@@ -75,7 +80,9 @@ class Set : public Item {
     void loadList(const Record::View& list);
     void settle();
     std::uint32_t lookUp(std::u16string_view name);
-    void insert(std::u16string_view name, std::uint32_t offset);
+    bool isHere() const { return isUnseen_ || isStored(); }
+    void remember(std::u16string_view name, std::uint32_t offset);
+    void insertNew(std::u16string_view name, std::uint32_t offset);
     void forget(std::u16string_view name);
     void dropIndex();
     void link(std::uint32_t offset);
@@ -83,12 +90,14 @@ class Set : public Item {
 
     // The children are those that were listed, until an index is made of them, or else those of the shared
     // index, if there is one; with what stands in this object's own laid over it: BADOFF there hides a child.
+    // None of them means anything as long as this is not `indexed_`: then the store is asked.
     ListedNames listed_;
     std::shared_ptr<const ChildIndex> shared_;
     ChildIndex own_;
     std::uint32_t count_ = 0;
     std::uint32_t childrenRecord_;
     bool indexed_ = true;  // a new set has no children: its empty index is complete
+    bool isUnseen_ = false;
 };
 
 // The set over the record that everything hangs below. It has no parent, no path, and is never copied.

@@ -27,20 +27,20 @@ std::optional<std::uint32_t> listOfRoot(IDataStore* store) {
 
 std::uint32_t RootLookup::find(IDataStore* store, std::u16string_view name) {
     if (isReserved(name)) return IDataStore::BADOFF;
-    Index index = take(store);
+    std::unique_ptr<Index> index = take(store);
     const std::uint64_t stamp = store->changeStamp();
-    if (stamp == 0 || stamp != index.stamp) {
+    if (stamp == 0 || stamp != index->stamp) {
         const std::optional<std::uint32_t> list = listOfRoot(store);
         if (!list) return Metadata::findChild(store, 0, name);
-        index.follow(store, *list);
-        const std::uint32_t found = index.find(name);
+        index->follow(store, *list);
+        const std::uint32_t found = index->find(name);
         if (found != IDataStore::BADOFF && !isChildOfName(store, found, name)) {
-            index = Index();
-            index.follow(store, *list);
+            *index = Index();
+            index->follow(store, *list);
         }
-        index.stamp = stamp;
+        index->stamp = stamp;
     }
-    const std::uint32_t found = index.find(name);
+    const std::uint32_t found = index->find(name);
     keep(store, std::move(index));
     return found;
 }
@@ -68,13 +68,17 @@ void RootLookup::Index::follow(IDataStore* store, std::uint32_t listOffset) {
     }
 }
 
-RootLookup::Index RootLookup::take(IDataStore* store) {
-    const std::lock_guard lock(mutex_);
-    const auto index = indices_.find(store);
-    return index == indices_.end() ? Index() : std::exchange(index->second, Index());
+std::unique_ptr<RootLookup::Index> RootLookup::take(IDataStore* store) {
+    std::unique_ptr<Index> taken;
+    {
+        const std::lock_guard lock(mutex_);
+        const auto index = indices_.find(store);
+        if (index != indices_.end()) taken = std::move(index->second);
+    }
+    return taken ? std::move(taken) : std::make_unique<Index>();
 }
 
-void RootLookup::keep(IDataStore* store, Index&& index) {
+void RootLookup::keep(IDataStore* store, std::unique_ptr<Index> index) {
     const std::lock_guard lock(mutex_);
     indices_[store] = std::move(index);
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <mutex>
 #include <string>
 #include <string_view>
@@ -46,11 +47,11 @@ class RootLookup {
         void follow(IDataStore* store, std::uint32_t listOffset);
     };
 
-    Index take(IDataStore* store);
-    void keep(IDataStore* store, Index&& index);
+    std::unique_ptr<Index> take(IDataStore* store);
+    void keep(IDataStore* store, std::unique_ptr<Index> index);
 
     std::mutex mutex_;
-    std::unordered_map<IDataStore*, Index> indices_;
+    std::unordered_map<IDataStore*, std::unique_ptr<Index>> indices_;  // null for one that is taken
 };
 
 }  // namespace norvane::platform::data::Schema

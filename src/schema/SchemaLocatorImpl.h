@@ -49,6 +49,9 @@ class SchemaLocatorImpl final : public metadata::ISchemaLocator {
     bool removeStore(IDataStore* store) override;
     void clearStores() override;
 
+    // Whether there is a type of that one name, which is not made here.
+    bool knows(std::u16string_view name) { return cached(name) || tableNamed(name).store; }
+
     // For the search of a type.
     Layout* cached(std::u16string_view name) const noexcept { return layoutCache_.find(name); }
     TablePlace tableNamed(std::u16string_view name);

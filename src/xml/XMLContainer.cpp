@@ -1,8 +1,14 @@
 #include "xml/XMLContainer.h"
 
 #include "model/Container.h"
+#include "schema/SchemaLocatorImpl.h"
 
 namespace norvane::platform::data {
+
+XMLContainer::XMLContainer(const tKeyword& keyword, IDataStore* store, metadata::ISchemaLocator* locator)
+    : Element(keyword, store),
+      locator_(locator),
+      ownLocator_(dynamic_cast<Schema::SchemaLocatorImpl*>(locator)) {}
 
 Owned<Metadata::Item> XMLContainer::create(Attributes attributes) {
     const char* name = nameOf(attributes);
@@ -16,15 +22,23 @@ Owned<Metadata::Item> XMLContainer::create(Attributes attributes) {
     return container;
 }
 
+// A class that is found has its say before its object is listed.
 Owned<Metadata::Item> XMLContainer::createIn(Metadata::Set& parent, Attributes attributes) {
     const char* name = findAttribute("name", attributes);
-    if (!name || (locator_ && findAttribute("class", attributes))) return {};
-    const std::u16string decoded = decode(name);
-    if (!parent.hasRoomFor(decoded)) return {};
+    if (!name || mayHaveClass(attributes)) return {};
+    name_.clear();
+    core::string::StringAlgorithm::UTF8Decode(name, name_);
+    if (!parent.hasRoomFor(name_)) return {};
     const bool isLink = keyword().detail == structure::kLink;
     const char* target = isLink ? findAttribute("to", attributes) : nullptr;
-    return makeOwned<Structural::Container>(parent, keyword().detail, decoded, optionalFlag(attributes),
+    return makeOwned<Structural::Container>(parent, keyword().detail, name_, optionalFlag(attributes),
                                             target ? decode(target).c_str() : nullptr);
+}
+
+// Objects without a class are written with an empty one, of which there is none unless a table has no name.
+bool XMLContainer::mayHaveClass(Attributes attributes) const {
+    const char* classText = locator_ ? findAttribute("class", attributes) : nullptr;
+    return classText && (*classText != '\0' || !ownLocator_ || ownLocator_->knows({}));
 }
 
 bool XMLContainer::takes(Record::Kind child) const { return child != Record::Kind::root; }

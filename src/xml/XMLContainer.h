@@ -4,12 +4,15 @@
 
 namespace norvane::platform::data {
 
+namespace Schema {
+class SchemaLocatorImpl;
+}
+
 // The elements of nodes, groups and links.
 class XMLContainer final : public Element {
   public:
     // The locator is borrowed and may be null; writing needs none.
-    XMLContainer(const tKeyword& keyword, IDataStore* store, metadata::ISchemaLocator* locator)
-        : Element(keyword, store), locator_(locator) {}
+    XMLContainer(const tKeyword& keyword, IDataStore* store, metadata::ISchemaLocator* locator);
 
     Owned<Metadata::Item> create(Attributes attributes) override;
     Owned<Metadata::Item> createIn(Metadata::Set& parent, Attributes attributes) override;
@@ -20,7 +23,11 @@ class XMLContainer final : public Element {
     void serialize(Metadata::Item& object, XMLSerializer& serializer) override;
 
   private:
+    bool mayHaveClass(Attributes attributes) const;
+
     metadata::ISchemaLocator* locator_;
+    Schema::SchemaLocatorImpl* ownLocator_;  // the same, if it is this library's
+    std::u16string name_;                    // of the element that was begun last
 };
 
 }  // namespace norvane::platform::data

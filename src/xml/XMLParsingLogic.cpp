@@ -76,7 +76,7 @@ void XMLParsingLogic::pausing() {
 }
 
 void XMLParsingLogic::countOpen() {
-    for (; counted_ < stack_.size(); ++counted_) stack_[counted_].object->count();
+    for (; counted_ < stack_.size(); ++counted_) stack_[counted_].object->beSeen();
 }
 
 // A locator of the host's own may count on hearing of every element, though the name says nothing.

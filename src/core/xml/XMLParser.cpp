@@ -9,9 +9,12 @@
 #include <string>
 #include <string_view>
 #include <type_traits>
+#include <typeinfo>
 #include <utility>
 
 #include "core/xml/EntityReferences.h"
+#include "norvane/platform/core/io/FileReader.h"
+#include "norvane/platform/core/io/MemoryReader.h"
 #include "norvane/platform/core/xml/IXMLParseListener.h"
 #include "norvane/platform/core/xml/IXMLPauses.h"
 
@@ -55,6 +58,11 @@ tPlace placeOf(XML_Parser parser) {
             static_cast<std::uint64_t>(std::max<XML_Index>(XML_GetCurrentByteIndex(parser), 0))};
 }
 
+// A host may have made a reader of its own of one of ours.
+bool runsCodeOfHost(const io::IDataReader& reader) {
+    return typeid(reader) != typeid(io::MemoryReader) && typeid(reader) != typeid(io::FileReader);
+}
+
 // One document on its way through expat. No exception may fly through expat's own frames: what a callback
 // throws is kept, stops the parser, and is thrown again when expat has returned.
 class Run {
@@ -78,11 +86,12 @@ class Run {
     tPlace place() const { return isStopped() ? stopPlace_ : placeOf(parser()); }
 
     void read(io::IDataReader& reader) {
+        const bool isForeign = runsCodeOfHost(reader);
         std::size_t wanted = kPiece;
         for (bool atEnd = false; !atEnd && !isStopped();) {
             void* buffer = XML_GetBuffer(parser_.get(), static_cast<int>(wanted));
             if (!buffer) throw std::bad_alloc();
-            pause();
+            if (isForeign) pause();
             const std::size_t count = fill(reader, static_cast<char*>(buffer), wanted);
             atEnd = count < wanted;
             eventCame_ = false;

@@ -309,6 +309,13 @@ TEST(XMLParserTest, CallbackIsToldBeforeTheReaderIsAskedAndAtTheEnd) {
     EXPECT_EQ(log.text(), "(pausing)(read)(read)<a>[1]</a>(pausing)");
 }
 
+TEST(XMLParserTest, ReaderOfThisLibraryIsAskedWithoutAWord) {
+    Pauses log;
+    io::MemoryReader reader("<a>1</a>");
+    XMLParser(log).parseDocument(&reader);
+    EXPECT_EQ(log.text(), "<a>[1]</a>(pausing)");
+}
+
 TEST(XMLParserTest, CallbackIsToldOfTheEndOfAParseThatFails) {
     struct Failing : Pauses {
         void endElement(const char*) override { throw std::runtime_error("no"); }

@@ -54,12 +54,43 @@ TEST_F(ContainerTest, TransientObjectCountsOnceItIsToldTo) {
         Container child(parent, 0, u"c", 0, nullptr);
         forgetCalls();
 
-        child.count();
-        child.count();
+        child.beSeen();
+        child.beSeen();
 
         EXPECT_THAT(changes(), ElementsAre("count " + std::to_string(child.offset())));
     }
     EXPECT_EQ(Record::Snapshot(&store_, parent.find(u"c"))->load(Record::field::openCount), 0u);
+}
+
+// The parent is one that was made in the same operation, and that nobody else has met.
+TEST_F(ContainerTest, ManyChildrenOfAnUnseenContainerAreFoundAndHaveNoDoubles) {
+    Container parent(&store_, 0, u"p");
+    Container unseen(parent, 0, u"u", 0, nullptr);
+    const auto nameOf = [](int i) { return u"child" + std::u16string(static_cast<std::size_t>(i), u'x'); };
+
+    for (int i = 0; i < 40; ++i) Container(unseen, 0, nameOf(i), 0, nullptr);
+
+    for (int i = 0; i < 40; ++i) {
+        EXPECT_EQ(unseen.find(nameOf(i)), unseen.childAt(static_cast<std::uint32_t>(i)));
+        EXPECT_FALSE(unseen.hasRoomFor(nameOf(i)));
+    }
+    EXPECT_EQ(unseen.find(u"child40"), IDataStore::BADOFF);
+    EXPECT_EQ(unseen.childCount(), 40u);
+}
+
+TEST_F(ContainerTest, ChildrenAreRememberedFromTheMomentOnInWhichOthersMayLook) {
+    Container parent(&store_, 0, u"p");
+    Container unseen(parent, 0, u"u", 0, nullptr);
+    const Offset child = Container(unseen, 0, u"before", 0, nullptr).offset();
+
+    unseen.beSeen();
+    Container(&store_, unseen.offset()).renameChild(u"before", u"after");
+
+    EXPECT_EQ(unseen.find(u"before"), child);
+    EXPECT_EQ(unseen.find(u"after"), IDataStore::BADOFF);
+    Container(unseen, 0, u"own", 0, nullptr);
+    EXPECT_NE(unseen.find(u"own"), IDataStore::BADOFF);
+    EXPECT_EQ(unseen.childCount(), 2u);
 }
 
 TEST_F(ContainerTest, ThereIsNoRoomForANameThatIsTakenNorInASetThatIsGone) {

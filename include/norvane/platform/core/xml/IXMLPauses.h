@@ -10,7 +10,8 @@ class QVT_CORE_API IXMLPauses {
   public:
     virtual ~IXMLPauses() noexcept(false) {}
 
-    /// Somebody else's code may run next: the parser turns to its reader for more, or is done, well or not.
+    /// Somebody else's code may run next: the parser turns for more to a reader that is not one of this
+    /// library (MemoryReader and FileReader, but not what is derived from them), or is done, well or not.
     /// What is kept back must be carried out now. What it throws ends the parse, as from any callback.
     virtual void pausing() = 0;
 };

@@ -8,12 +8,16 @@ namespace {
 
 using norvane::platform::core::io::MemoryWriter;
 
-// Some places, far from each other, in no order.
+// Some places, far from each other, in no order. Their texts are made anew, in the order in which they will
+// be asked for: to fetch a question from far away is no part of answering it.
 std::vector<Place> someOf(std::vector<Place> places, std::uint64_t count) {
     Random random(1);
     for (std::size_t i = places.size(); i-- > 1;) std::swap(places[i], places[random.below(i + 1)]);
-    if (places.size() > count) places.resize(count);
-    return places;
+    std::vector<Place> some;
+    some.reserve(std::min<std::size_t>(count, places.size()));
+    for (std::size_t i = 0; i < some.capacity(); ++i)
+        some.push_back({WideString(places[i].container.string()), WideString(places[i].name.string())});
+    return some;
 }
 
 // One name after another in containers that are open already.

@@ -96,11 +96,8 @@ std::uint64_t mendFile(const std::string& path, const MendOptions& options, bool
     return result.recordCount;
 }
 
-}  // namespace
-
-Report repair(const std::string& in, const std::string& out, const RepairOptions& options) {
-    refuseExisting(out);
-    const std::string work = WorkFile::pathFor(out);
+Report repairBy(const std::string& work, const std::string& in, const std::string& out,
+                const RepairOptions& options) {
     const Saved saved =
         save(in, work, options.salvage ? StoreFile::Search::byPage : StoreFile::Search::byOrder);
     WorkFile file(work);
@@ -113,6 +110,23 @@ Report repair(const std::string& in, const std::string& out, const RepairOptions
     file.publish(out);
     findings.sort();
     return {std::move(findings.all), recordCount};
+}
+
+}  // namespace
+
+Report repair(const std::string& in, const std::string& out, const RepairOptions& options) {
+    refuseExisting(out);
+    const std::string work = WorkFile::pathFor(out);
+    try {
+        return repairBy(work, in, out, options);
+    } catch (const StoreError& error) {
+        // Nobody else knows of the file that is written first.
+        std::string words = error.what();
+        const std::string ending = work.substr(out.size());
+        const std::size_t at = words.find(ending);
+        if (at == std::string::npos) throw;
+        throw StoreError(error.code(), words.erase(at, ending.size()), error.offset());
+    }
 }
 
 }  // namespace norvane::platform::data::integrity

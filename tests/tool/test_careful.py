@@ -48,6 +48,16 @@ class Careful(ToolTest):
         run = self.run_tool("tree", "plant.db")
         self.assertEqual((run.status, run.err),
                          (3, "plant.db: error: a file store, but its name does not end in .qvt\n"))
+
+    def test_a_document_of_that_name_is_called_one(self):
+        for beginning in (b"", b"\xef\xbb\xbf", b"\n  "):
+            self.document(beginning + b'<root name="r"/>', "model.qvt")
+            for verb in (["tree"], ["set", "g", "1"]):
+                run = self.run_tool(verb[0], "model.qvt", *verb[1:])
+                self.assertEqual((run.status, run.err), (
+                    3, "model.qvt: error: a document, but its name ends in .qvt, as that of a file store does\n"))
+        self.document("anything", "model.qvt")
+        self.assertEqual(self.run_tool("tree", "model.qvt").err, "model.qvt: error: not a store\n")
         run = self.run_tool("import", "plant.qvt", "new.qvt")
         self.assertEqual((run.status, run.err),
                          (3, "plant.qvt: error: a file store, where a document is wanted\n"))

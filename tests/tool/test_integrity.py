@@ -168,6 +168,12 @@ class Repair(IntegrityTest):
         self.done("check", "good.qvt", "-q")
         self.assertIn("recovered: group", self.done("tree", "good.qvt").out)
 
+    def test_ThatCannotBeWrittenNamesWhatWasAskedFor(self):
+        """/proc takes no file of anybody."""
+        for out, words in (("none/good.qvt", "none/: No such file or directory"), ("/proc/good.qvt", "No such file or directory")):
+            result = self.run_tool("repair", "model.qvt", out)
+            self.assertEqual((result.status, result.out, result.err), (7, "", f"{out}: error: {words}\n"))
+
     def test_OfNothingLeavesNothing(self):
         self.document("anything", "bad.qvt")
         for source, status in (("none.qvt", 3), ("bad.qvt", 4)):
@@ -255,11 +261,14 @@ class Unwritable(IntegrityTest):
 
         before = self.store.read_bytes()
         self.document(MODEL.format(TEXT * 20).replace('name="g"', 'name="k"'), "large.xml")
-        for arguments in (["merge", "model.qvt", "h", "large.xml"], ["import", "large.xml", "new.qvt"]):
+        self.done("import", "large.xml", "large.qvt")
+        for arguments in (["merge", "model.qvt", "h", "large.xml"], ["import", "large.xml", "new.qvt"],
+                          ["repair", "large.qvt", "new.qvt"]):
             run = subprocess.run([QVT, *arguments], cwd=self.folder, stderr=subprocess.PIPE, preexec_fn=no_room,
                                  env={**os.environ, **SANITIZED})
             self.assertEqual(run.returncode, 7, run.stderr)
-            self.assertRegex(run.stderr.decode(), rf"\A{arguments[-1 if arguments[0] == 'import' else 1]}: error: .+\n\Z")
+            self.assertRegex(run.stderr.decode(), rf"\A{arguments[1 if arguments[0] == 'merge' else -1]}: error: .+\n\Z")
+            self.assertNotIn("new.qvt.", run.stderr.decode())
         self.assertEqual(self.done("export", "model.qvt").bytes, self.done("export", "model.xml").bytes)
         self.assertEqual(self.store.read_bytes(), before)
         self.assertFalse((self.folder / "new.qvt").exists())

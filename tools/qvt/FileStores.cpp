@@ -4,11 +4,15 @@
 #include <fstream>
 #include <system_error>
 
+#include "Text.h"
+
 namespace qvt {
 
 namespace {
 
 using Code = StoreError::Code;
+
+constexpr std::size_t kLongestBeginning = 64;
 
 Status statusOf(Code code) {
     switch (code) {
@@ -35,11 +39,26 @@ Status statusOf(Code code) {
     return kFault;
 }
 
+bool beginsAsDocument(const std::string& path) {
+    std::error_code error;
+    if (!std::filesystem::is_regular_file(path, error)) return false;
+    std::string beginning(kLongestBeginning, '\0');
+    std::ifstream file(path, std::ios::binary);
+    file.read(beginning.data(), static_cast<std::streamsize>(beginning.size()));
+    if (beginning.rfind("\xEF\xBB\xBF", 0) == 0) beginning.erase(0, 3);
+    const std::size_t first = beginning.find_first_not_of(" \t\r\n");
+    return first != std::string::npos && beginning[first] == '<';
+}
+
 Failure failureAt(const StoreError& error, const std::string& name, std::string_view words) {
     std::string message = name + ": error: ";
+    if (error.code() == Code::notAStore && beginsAsDocument(name))
+        words = "a document, but its name ends in .qvt, as that of a file store does";
     if (error.offset() != IDataStore::BADOFF) message += "record " + std::to_string(error.offset()) + ": ";
     return {statusOf(error.code()), message + std::string(words)};
 }
+
+std::string folderOf(const std::string& file) { return file.substr(0, file.rfind('/') + 1); }
 
 // What stands behind the name of a file, or nothing.
 std::optional<std::string_view> wordsBehind(const std::string& file, std::string_view text) {
@@ -75,8 +94,11 @@ bool isSameFile(const std::string& left, const std::string& right) {
 }
 
 void mustBeFileStore(const std::string& path, const char* verb) {
-    if (!isFileStore(path))
-        throw Failure(kUsage, "error: " + path + " is a document; " + verb + " works on file stores (*.qvt)");
+    if (isFileStore(path)) return;
+    std::error_code unknown;
+    const char* what = std::filesystem::is_directory(path, unknown) ? "folder" : "document";
+    throw Failure(kUsage,
+                  "error: " + shown(path) + " is a " + what + "; " + verb + " works on file stores (*.qvt)");
 }
 
 std::unique_ptr<IDataStore> openForReading(const std::string& path) {
@@ -91,6 +113,7 @@ std::optional<Failure> failureOf(const StoreError& error, const std::string& fil
     for (const std::string& each : {file, std::filesystem::weakly_canonical(file, ignored).string(),
                                     std::filesystem::absolute(file, ignored).string()})
         if (const auto words = wordsBehind(each, error.what())) return failureAt(error, name, *words);
+    if (wordsBehind(folderOf(file), error.what())) return failureAt(error, name, error.what());
     return std::nullopt;
 }
 

@@ -32,10 +32,11 @@ void mustBeFileStore(const std::string& path, const char* verb);
 std::unique_ptr<IDataStore> openForReading(const std::string& path);
 
 // What a store's failure means for the run. The store begins its words with the place of its file, which they
-// may have found out; if it is that of `file`, the message has `name` instead. Nothing if it is another one.
+// may have found out; if it is that of `file`, the message has `name` instead, and before that of its folder.
+// Nothing if it is another one.
 std::optional<Failure> failureOf(const StoreError& error, const std::string& file, const std::string& name);
 
-// The same for words that begin with another place, such as that of its folder.
+// The same for words that begin with another place.
 Failure failureOf(const StoreError& error, const std::string& name);
 
 }  // namespace qvt

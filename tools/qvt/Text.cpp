@@ -84,6 +84,11 @@ std::string printable(std::string_view text) {
 
 std::string inQuotes(std::string_view text) { return inQuotesCut(text, text.size()); }
 
+std::string shown(std::string_view word) {
+    const bool isSeen = !word.empty() && word.front() != ' ' && word.back() != ' ';
+    return isSeen ? std::string(word) : inQuotes(word);
+}
+
 std::string inQuotesCut(std::string_view text, std::size_t limit) {
     bool isCut = false;
     const std::string beginning = start(text, limit, "\"\\", isCut);

@@ -24,6 +24,8 @@ std::string printable(std::string_view text);
 
 // The same in double quotes, with " and \ escaped.
 std::string inQuotes(std::string_view text);
+// A word of the command line within a message: in quotes where it would not be seen otherwise.
+std::string shown(std::string_view word);
 
 // Says that something was cut off: an ellipsis, or three dots.
 const char* ellipsis();

@@ -50,8 +50,8 @@ Connection::Statements::Statements(Database& database)
       pageCount(database, "PRAGMA page_count", Doing::reading),
       pageSize(database, "PRAGMA page_size", Doing::reading) {}
 
-Connection::Connection(const std::string& path, Database::Mode mode)
-    : mode_(mode), database_(path, mode), statements_(database_) {
+Connection::Connection(const std::string& path, Database::Mode mode, const std::string& name)
+    : mode_(mode), database_(path, mode, name), statements_(database_) {
     if (mode == Database::Mode::create) makeTables();
     checkTables();
 }

@@ -23,7 +23,7 @@ inline constexpr std::size_t kNewRows = 64;
 class Connection {
   public:
     // Opens the file and checks that its tables are those of a store; with `create` it makes them.
-    Connection(const std::string& path, Database::Mode mode);
+    Connection(const std::string& path, Database::Mode mode, const std::string& name = {});
 
     Database& database() { return database_; }
     bool seesLog() const { return mode_ != Database::Mode::readUnlocked; }

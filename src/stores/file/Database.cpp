@@ -34,14 +34,15 @@ int openBy(const std::string& path, Database::Mode mode, sqlite3** db) {
 
 }  // namespace
 
-Database::Database(const std::string& path, Mode mode) : path_(path) {
+Database::Database(const std::string& path, Mode mode, const std::string& name)
+    : path_(path), name_(name.empty() ? path : name) {
     const bool isForWriting = mode == Mode::write || mode == Mode::create;
     const Doing doing = isForWriting ? Doing::writing : Doing::reading;
     if (const int answer = openBy(path, mode, &db_); answer != SQLITE_OK) {
         const std::pair<int, int> kept{answer, db_ ? sqlite3_system_errno(db_) : 0};
         sqlite3_close(std::exchange(db_, nullptr));
-        if (kept.second != 0 && kept.first != SQLITE_NOMEM) failSystem(path_, doing, kept.second);
-        failSqlite(path_, doing, kept.first, nullptr);
+        if (kept.second != 0 && kept.first != SQLITE_NOMEM) failSystem(name_, doing, kept.second);
+        failSqlite(name_, doing, kept.first, nullptr);
     }
     try {
         setUp(doing);

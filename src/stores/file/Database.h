@@ -21,8 +21,8 @@ class Database {
         create,        // for an empty file that nobody else knows of yet
     };
 
-    // Opens what is there already.
-    Database(const std::string& path, Mode mode);
+    // Opens what is there already. `name` is what failures call the file, if not by its path.
+    Database(const std::string& path, Mode mode, const std::string& name = {});
     Database(const Database&) = delete;
     Database& operator=(const Database&) = delete;
     // Writes the log back if it is the last connection, unless `keepLog` was called.
@@ -43,12 +43,13 @@ class Database {
     // read a page again, so whoever looks only at a few records is better off without.
     void useMuchMemory() noexcept;
 
-    [[noreturn]] void fail(int answer, Doing doing) const { failSqlite(path_, doing, answer, db_); }
+    [[noreturn]] void fail(int answer, Doing doing) const { failSqlite(name_, doing, answer, db_); }
 
   private:
     void setUp(Doing doing);
 
     std::string path_;
+    std::string name_;
     sqlite3* db_ = nullptr;
     bool usesMuchMemory_ = false;
 };

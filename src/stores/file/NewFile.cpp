@@ -43,7 +43,7 @@ NewFile::NewFile(const std::string& path) : process_(::getpid()), path_(path) {
     if (::lstat(path_.c_str(), &status) == 0) fail(Code::exists, path_, "there is such a file already");
     draft_ = takeDraft(path_);
     try {
-        connection_ = std::make_unique<Connection>(draft_, Database::Mode::create);
+        connection_ = std::make_unique<Connection>(draft_, Database::Mode::create, path_);
         connection_->beginWriting();
     } catch (...) {
         remove();

@@ -19,7 +19,9 @@ class WrongUsage(ToolTest):
         for arguments, words in (
                 ([], "a verb is missing; there are import, export"),
                 (["nonsense"], "no verb nonsense; there are import, export"),
-                (["--nonsense"], "no verb --nonsense"),
+                (["--nonsense"], "no option --nonsense; a verb comes first (see qvt --help)"),
+                (["-d", "0", "tree", "model.xml"], "no option -d; a verb comes first"),
+                ([""], 'no verb ""; there are import, export'),
                 (["tree"], "STORE is required (see qvt tree --help)"),
                 (["get", "model.xml"], "PATH is required (see qvt get --help)"),
                 (["import", "model.xml"], "STORE is required (see qvt import --help)"),
@@ -34,6 +36,9 @@ class WrongUsage(ToolTest):
                 (["compact", "model.qvt", "-o", "x"], "-o"),
                 (["conforms", "model.xml", "g"], "CLASS is required"),
                 (["tree", "model.xml", "a", "b"], "the following argument was not expected: b"),
+                (["tree", "model.xml", "a", "b", ""], 'the following arguments were not expected: b ""'),
+                (["tree", "--", "model.xml", "-d", "0"],
+                 "the following argument was not expected: 0, as behind -- nothing is an option"),
                 (["tree", "model.xml", "--nonsense"], "no option --nonsense (see qvt tree --help)"),
                 (["tree", "model.xml", "--vales"], "no option --vales; did you mean --values? (see qvt tree --help)"),
                 (["tree", "model.xml", "--vales=1"], "no option --vales; did you mean --values?"),
@@ -46,6 +51,18 @@ class WrongUsage(ToolTest):
                 (["tree", "model.xml", "--color", "red"], "red is none of auto|always|never"),
                 (["tree", "model.xml", "-d", "x"], "x is no number of levels"),
                 (["tree", "model.xml", "-d", "-1"], "-1 is no number of levels"),
+                (["tree", "model.xml", "-d", ""], '"" is no number of levels'),
+                (["tree", "model.xml", "-d", "4294967296"], "4294967296 is too large; 999999999 levels are the most"),
+                (["tree", "model.xml", "-f", ""], '"" is none of text|json'),
+                (["dump", "model.xml", "0x100000000"], "0x100000000 is no offset: the highest are below 4294967295"),
+                (["dump", "model.xml", " "], '" " is no offset (a number, as 12 or 0xc)'),
+                (["new", "model.qvt", "a", ""], '"" is neither node, group, link or table nor a type'),
+                (["check", "."], ". is a folder; check works on file stores (*.qvt)"),
+                (["check", "model.xml"], "model.xml is a document; check works on file stores (*.qvt)"),
+                (["tree", "-", "--schemas", "-"], "standard input can be read once only (see qvt tree --help)"),
+                (["diff", "-", "-"], "standard input can be read once only"),
+                (["merge", "model.qvt", "g", "-", "--schemas", "-"], "standard input can be read once only"),
+                (["import", "-", "-", "model.qvt"], "standard input can be read once only"),
                 (["export", "model.xml", "-f", "json"], "-f"),
                 (["help", "nonsense"], "no verb nonsense"),
                 (["help", "tree", "more"], "the following argument was not expected: more")):
@@ -55,6 +72,24 @@ class WrongUsage(ToolTest):
                 self.assertEqual(result.err.count("\n"), 1, result.err)
                 self.assertIn("qvt: error: ", result.err)
                 self.assertIn(words, result.err)
+
+
+    def test_IsAnEmptyWordWhereAFileOrANameIsWanted(self):
+        self.document('<root name="r"/>')
+        for arguments in (["tree", ""], ["check", ""], ["import", "", "model.qvt"], ["diff", "", "model.xml"],
+                          ["diff", "model.xml", ""], ["repair", "", "x.qvt"], ["repair", "model.qvt", ""],
+                          ["merge", "model.qvt", "g", ""], ["schema", "model.xml", ""], ["conforms", "model.xml", "g", ""],
+                          ["tree", "model.xml", "-o", ""], ["tree", "model.xml", "--schemas", ""],
+                          ["cp", "model.qvt", "a", "b", "--to", ""], ["repair", "model.qvt", "x.qvt", "--recover", ""],
+                          ["new", "model.qvt", "a", "node", "--class", ""], ["set", "model.qvt", "a", "--unit", ""]):
+            with self.subTest(arguments):
+                result = self.run_tool(*arguments)
+                self.assertEqual((result.status, result.out), (2, ""))
+                self.assertRegex(result.err, rf"\Aqvt: error: [\w-]+: is empty \(see qvt {arguments[0]} --help\)\n\Z")
+
+    def test_DoesNotKeepTheRootFromBeingNamedByNoPath(self):
+        self.document('<root name="r"/>')
+        self.assertEqual(self.done("show", "model.xml", "").lines[1], "name      r")
 
 
 class Suggestions(ToolTest):
@@ -75,6 +110,10 @@ class Suggestions(ToolTest):
                              ("conform", "conforms")):
             self.assertIn(f"no verb {typed}; did you mean {meant}?", self.said(typed))
         self.assertIn("no verb shwo; did you mean show?", self.said("help", "shwo"))
+
+    def test_AreOptionsOfTheToolItself(self):
+        for typed, meant in (("--verson", "--version"), ("--hlep", "--help")):
+            self.assertEqual(self.said(typed), f"qvt: error: no option {typed}; did you mean {meant}? (see qvt --help)\n")
 
     def test_AreNotMadeOfWhatIsFarOff(self):
         for typed in ("frobnicate", "x", "te", "delete", "-"):

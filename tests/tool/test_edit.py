@@ -67,8 +67,8 @@ class Set(EditTest):
                 self.edit("new", "h." + kind, kind)
                 self.edit("set", "h." + kind, "--", *most.split())
                 self.assertEqual(self.get("h." + kind), most)
-                what = f"{beyond} is no number of type {kind}"
-                self.refuse(2, "qvt: error: " + what, "set", "h." + kind, "--", beyond)
+                why = "no number of" if beyond in ("yes", "1.5") else "out of the range of"
+                self.refuse(2, f"qvt: error: {beyond} is {why} type {kind}", "set", "h." + kind, "--", beyond)
 
     def test_TakesTrueAndFalse(self):
         self.edit("set", "g.yes", "true", "false", "1")
@@ -84,6 +84,8 @@ class Set(EditTest):
         self.edit("set", "g.v", "1", "2", "3", "4", "5", "6")
         self.assertEqual(self.get("g.v"), "1 2 3 4 5 6")
         self.refuse(2, "qvt: error: a vector3 takes 3 numbers, and here are 2", "set", "g.v", "1", "2")
+        self.refuse(2, "qvt: error: 1e999 is out of the range of a vector3", "set", "g.v", "1", "1e999", "2")
+        self.refuse(2, "qvt: error: 1e is no number of a vector3", "set", "g.v", "1", "1e", "2")
 
     def test_TakesBytesAsBase64(self):
         self.edit("set", "g.bytes", "/+8=")
@@ -94,7 +96,7 @@ class Set(EditTest):
         self.edit("set", "g.s", "0.5", "-1", "-2", "4.5", "5", "6")
         self.assertEqual(self.show("g.s")["value"], [{"a": 0.5, "b": [-1, -2]}, {"a": 4.5, "b": [5, 6]}])
         self.refuse(2, "qvt: error: a struct of this class takes 3 numbers, and here are 2", "set", "g.s", "1", "2")
-        self.refuse(2, "qvt: error: 70000 is no number of type int16", "set", "g.s", "1", "2", "70000")
+        self.refuse(2, "qvt: error: 70000 is out of the range of type int16", "set", "g.s", "1", "2", "70000")
 
     def test_OfAStructTakesNoTextAndNoUnknownClass(self):
         self.document('<root name="t"><table name="Far"><double name="a">1</double></table></root>', "types.xml")

@@ -206,7 +206,11 @@ class Values(FindTest):
         self.document(MODEL)
         for condition, words in (("> x", '--value > x: "x" is no number to compare with'),
                                  ("<", '--value <: "" is no number to compare with'),
-                                 ("> 5 Metre", "--value 5 Metre: no unit Metre; did you mean Meter?")):
+                                 ("> 5 Metre", "--value > 5 Metre: no unit Metre; did you mean Meter?"),
+                                 (">5Metre", '--value >5Metre: "5Metre" is no number to compare with; did you mean "5 Meter"?'),
+                                 ("<= 2.5Inch", '--value <= 2.5Inch: "2.5Inch" is no number to compare with; did you mean '
+                                                '"2.5 Inch"?'),
+                                 ("> 5Parsnip", '--value > 5Parsnip: "5Parsnip" is no number to compare with')):
             result = self.run_tool("find", "model.xml", "--value", condition)
             self.assertEqual((result.status, result.out, result.err), (2, "", f"qvt: error: {words}\n"))
 

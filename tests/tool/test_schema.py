@@ -17,6 +17,12 @@ tag    int8     1      24      1
 25 bytes, 4 elements
 """)
 
+    def test_KeepsItsColumnsBesideALongName(self):
+        self.document(f'<root name="r"><table name="T"><int8 name="{"n" * 100}">1</int8><int8 name="i">1</int8></table></root>')
+        lines = self.done("schema", "model.xml", "T").lines
+        self.assertEqual(lines[:3], [f"{'field':48}  type  count  offset  size", f"{'n' * 100}  int8  1      0       1",
+                                     f"{'i':48}  int8  1      1       1"])
+
     def test_FlattensStructsWithinIt(self):
         self.document(TYPES)
         schema = self.done("schema", "model.xml", "T.Line", "-f", "json").json

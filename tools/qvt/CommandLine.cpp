@@ -9,6 +9,7 @@
 #include "Messages.h"
 #include "Nearest.h"
 #include "Output.h"
+#include "Text.h"
 
 namespace qvt {
 
@@ -20,11 +21,20 @@ std::string verbNames() {
     return names;
 }
 
+std::string noOption(const CLI::App& app, const std::string& word, const char* otherwise = "") {
+    const std::string option = word.substr(0, word.find('='));
+    Nearest nearest(option);
+    for (const CLI::Option* each : app.get_options())
+        for (const std::string& name : each->get_lnames()) nearest.offer("--" + name);
+    return "no option " + option + (nearest.name().empty() ? otherwise : nearest.question());
+}
+
 std::string noVerb(const std::string& word) {
     Nearest nearest(word);
     for (const Verb* verb : verbs()) nearest.offer(verb->name);
     nearest.offer("help");
-    return "no verb " + word + (nearest.name().empty() ? "; there are " + verbNames() : nearest.question());
+    return "no verb " + shown(word) +
+           (nearest.name().empty() ? "; there are " + verbNames() : nearest.question());
 }
 
 int usage(const std::string& words, const std::string& verb = "") {
@@ -48,17 +58,26 @@ int printHelp(const Grammar& grammar, const std::string& about) {
     return verb ? print(helpOf(*verb, "qvt ")) : usage(noVerb(about));
 }
 
+bool isOption(const std::string& word) { return word.size() > 1 && word[0] == '-'; }
+
 // What is wrong with words that the verb does not take.
-std::string unexpected(const CLI::App& verb, const CLI::ExtrasError& error) {
+std::string unexpected(const CLI::App& verb) {
+    std::string words;
+    std::size_t count = 0;
+    bool isOnlyWords = false;
     for (const std::string& word : verb.remaining()) {
-        if (word.size() < 2 || word[0] != '-') continue;
-        const std::string option = word.substr(0, word.find('='));
-        Nearest nearest(option);
-        for (const CLI::Option* each : verb.get_options())
-            for (const std::string& name : each->get_lnames()) nearest.offer("--" + name);
-        return "no option " + option + nearest.question();
+        if (!isOnlyWords && word != "--" && isOption(word)) return noOption(verb, word);
+        isOnlyWords = isOnlyWords || word == "--";
+        if (word == "--") continue;
+        words += " " + shown(word);
+        ++count;
     }
-    return error.what();
+    return std::string("the following argument") + (count == 1 ? " was" : "s were") +
+           " not expected:" + words + (isOnlyWords ? ", as behind -- nothing is an option" : "");
+}
+
+std::string noBeginning(const CLI::App& app, const std::string& word) {
+    return isOption(word) ? noOption(app, word, "; a verb comes first") : noVerb(word);
 }
 
 // The tool, a verb, -h, and some word that was begun with.
@@ -79,12 +98,13 @@ int parse(Grammar& grammar, int argc, const char* const* argv) {
         return printHelp(grammar, verb());
     } catch (const CLI::CallForVersion& version) {
         return print(std::string(version.what()) + "\n");
-    } catch (const CLI::ExtrasError& error) {
-        if (!verb().empty()) return usage(unexpected(*app.get_subcommands().front(), error), verb());
+    } catch (const CLI::ExtrasError&) {
+        if (!app.remaining().empty()) return usage(noBeginning(app, app.remaining().front()));
+        if (!verb().empty()) return usage(unexpected(*app.get_subcommands().front()), verb());
     } catch (const CLI::ParseError& error) {
         if (!verb().empty()) return usage(error.what(), verb());
     }
-    return usage(argc > 1 ? noVerb(argv[1]) : "a verb is missing; there are " + verbNames());
+    return usage(argc > 1 ? noBeginning(app, argv[1]) : "a verb is missing; there are " + verbNames());
 }
 
 bool isAsked(int argc, const char* const* argv, const char* word) {

@@ -34,6 +34,16 @@ std::string trimmed(const std::string& text) {
     return text.substr(begin, text.find_last_not_of(kBlanks) + 1 - begin);
 }
 
+// A number and its unit, where the blank between them is missing; empty if it is not that.
+std::string numberNear(const std::string& text) {
+    long double number = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+    const std::string name = trimmed(std::string(end, text.data() + text.size()));
+    const std::string unit = unitIdOf(name) != 0 ? name : unitNear(name);
+    if (error != std::errc() || unit.empty()) return "";
+    return "\"" + std::string(text.data(), end) + " " + unit + "\"";
+}
+
 bool sharesDimension(std::uint32_t left, std::uint32_t right) {
     return data::format::xml::dimensionKeyOf(left) == data::format::xml::dimensionKeyOf(right);
 }
@@ -45,11 +55,12 @@ Condition::Condition(const std::string& text) : glob_("") {
     takeOperator(rest);
     text_ = rest;
     glob_ = Glob(rest);
-    takeNumber(rest);
+    takeNumber(rest, text);
     const bool takesText =
         operator_ == Operator::like || operator_ == Operator::equal || operator_ == Operator::unequal;
     if (!number_ && !takesText)
-        throw Failure(kUsage, "error: --value " + text + ": \"" + rest + "\" is no number to compare with");
+        throw Failure(kUsage, "error: --value " + text + ": \"" + rest + "\" is no number to compare with" +
+                                  Nearest::asQuestion(numberNear(rest)));
 }
 
 void Condition::takeOperator(std::string& rest) {
@@ -66,7 +77,7 @@ void Condition::takeOperator(std::string& rest) {
     }
 }
 
-void Condition::takeNumber(const std::string& text) {
+void Condition::takeNumber(const std::string& text, const std::string& whole) {
     isTruth_ = text == "true" || text == "false";
     if (isTruth_) number_ = text == "true" ? 1 : 0;
     const std::size_t sign = text.size() > 1 && text[0] == '+' ? 1 : 0;
@@ -79,17 +90,17 @@ void Condition::takeNumber(const std::string& text) {
     if (rest.empty())
         number_ = number;
     else if (const std::string name = trimmed(rest); name != rest) {
-        takeUnit(name, text);
+        takeUnit(name, whole);
         if (unit_ != 0) number_ = number;
     }
 }
 
 // What stands behind a number may be a text all the same, but hardly one that looks like a unit.
-void Condition::takeUnit(const std::string& name, const std::string& text) {
+void Condition::takeUnit(const std::string& name, const std::string& whole) {
     unit_ = unitIdOf(name);
     const std::string near = unit_ == 0 ? unitNear(name) : std::string();
     if (!near.empty())
-        throw Failure(kUsage, "error: --value " + text + ": no unit " + name + Nearest::asQuestion(near));
+        throw Failure(kUsage, "error: --value " + whole + ": no unit " + name + Nearest::asQuestion(near));
 }
 
 bool Condition::isMetBy(IPrimitive& primitive) {

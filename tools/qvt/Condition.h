@@ -29,8 +29,9 @@ class Condition {
     enum class Operator { equal, unequal, less, atMost, greater, atLeast, like };
 
     void takeOperator(std::string& rest);
-    void takeNumber(const std::string& text);
-    void takeUnit(const std::string& name, const std::string& text);
+    // `whole` is the condition as it was given, for messages.
+    void takeNumber(const std::string& text, const std::string& whole);
+    void takeUnit(const std::string& name, const std::string& whole);
     bool isMetByText(const std::string& text) const;
     bool isMetByNumber(long double number, long double wanted, long double slack) const;
     bool isMetByNumbers(IPrimitive& primitive);

@@ -5,6 +5,8 @@
 #include <string_view>
 #include <utility>
 
+#include "Text.h"
+
 namespace qvt {
 
 namespace {
@@ -48,34 +50,45 @@ void addWords(CLI::App& app, const char* names, const Words<T>& words, T& value,
            description)
         ->type_name(all)
         ->check([&words, all, indexOf](const std::string& text) {
-            return indexOf(text) < words.size() ? std::string() : text + " is none of " + all;
+            return indexOf(text) < words.size() ? std::string() : shown(text) + " is none of " + all;
         });
 }
 
 std::string mustBeCount(const std::string& text) {
-    const bool isNumber =
-        !text.empty() && text.size() < 10 && text.find_first_not_of("0123456789") == std::string::npos;
-    return isNumber ? std::string() : text + " is no number of levels";
+    constexpr std::size_t kMostDigits = 9;
+    const bool isNumber = !text.empty() && text.find_first_not_of("0123456789") == std::string::npos;
+    if (!isNumber) return shown(text) + " is no number of levels";
+    return text.size() <= kMostDigits ? std::string() : text + " is too large; 999999999 levels are the most";
+}
+
+// Where nothing is meant by an empty word, a script has lost one: an option would be as if it was not given.
+std::string mustNotBeEmpty(const std::string& text) {
+    return text.empty() ? std::string("is empty") : std::string();
 }
 
 void addText(CLI::App& app, const char* name, std::string& value, const char* description) {
     app.add_option(name, value, description)->required();
 }
 
+void addWord(CLI::App& app, const char* name, std::string& value, const char* description) {
+    app.add_option(name, value, description)->required()->check(mustNotBeEmpty);
+}
+
 void addStores(CLI::App& app, const Verb& verb, Options& options) {
-    if (verb.has(Verb::kStore)) addText(app, "STORE", options.store, "file store, document, or -");
-    if (verb.has(Verb::kFile)) addText(app, "STORE", options.store, "file store (*.qvt)");
+    if (verb.has(Verb::kStore)) addWord(app, "STORE", options.store, "file store, document, or -");
+    if (verb.has(Verb::kFile)) addWord(app, "STORE", options.store, "file store (*.qvt)");
     if (verb.has(Verb::kDocuments))
         app.add_option("DOC", options.words, "documents, or - for one, and last the file store (*.qvt)")
             ->type_name("")
-            ->required();
+            ->required()
+            ->check(mustNotBeEmpty);
     if (verb.has(Verb::kBoth)) {
-        addText(app, "A", options.store, "file store, document, or -");
-        addText(app, "B", options.target, "the other one");
+        addWord(app, "A", options.store, "file store, document, or -");
+        addWord(app, "B", options.target, "the other one");
     }
     if (!verb.has(Verb::kRepairOptions)) return;
-    addText(app, "IN", options.store, "file store (*.qvt), which stays as it is");
-    addText(app, "OUT", options.target, "file store (*.qvt) to make");
+    addWord(app, "IN", options.store, "file store (*.qvt), which stays as it is");
+    addWord(app, "OUT", options.target, "file store (*.qvt) to make");
 }
 
 void addPlaces(CLI::App& app, const Verb& verb, Options& options) {
@@ -89,11 +102,11 @@ void addPlaces(CLI::App& app, const Verb& verb, Options& options) {
         app.add_option("BPATH", options.sourcePath, "dotted path in B, where it is not that in A");
     }
     if (verb.has(Verb::kSource)) {
-        addText(app, "SOURCE", options.target, "file store, document, or -");
+        addWord(app, "SOURCE", options.target, "file store, document, or -");
         app.add_option("SPATH", options.sourcePath, "dotted path in SOURCE; the root if left out");
     }
     if (verb.has(Verb::kType)) addText(app, "KIND|TYPE", options.type, "what to make");
-    if (verb.has(Verb::kClass)) addText(app, "CLASS", options.className, "class");
+    if (verb.has(Verb::kClass)) addWord(app, "CLASS", options.className, "class");
     if (verb.has(Verb::kOptionalName))
         app.add_option("NAME", options.name, "unit or dimension; all if left out");
     if (verb.has(Verb::kValues)) app.add_option("VALUE", options.words, "the value, or its parts");
@@ -103,7 +116,7 @@ void addPlaces(CLI::App& app, const Verb& verb, Options& options) {
 
 void addName(CLI::App& app, const char* option, std::string& value, const char* description,
              const char* type) {
-    app.add_option(option, value, description)->type_name(type);
+    app.add_option(option, value, description)->type_name(type)->check(mustNotBeEmpty);
 }
 
 void addFinding(CLI::App& app, Options& options) {
@@ -113,11 +126,8 @@ void addFinding(CLI::App& app, Options& options) {
     addName(app, "--type", options.type, "objects of a kind, or primitives of a type", "KIND|TYPE");
     addName(app, "--unit", options.unit, "primitives in this unit", "UNIT");
     app.add_option("--value", options.condition, "primitives of such values, as '> 3.5 Meter' or 'Ac*'")
-        ->type_name("CONDITION");
-    // A word that a script left empty would find everything.
-    for (const char* option : {"--name", "--class", "--type", "--unit", "--value"})
-        app.get_option(option)->check(
-            [](const std::string& text) { return text.empty() ? std::string("is empty") : std::string(); });
+        ->type_name("CONDITION")
+        ->check(mustNotBeEmpty);
     app.add_flag("--values", options.values, "print values and units too");
 }
 
@@ -126,7 +136,8 @@ void addReading(CLI::App& app, const Verb& verb, Options& options) {
         app.add_option("--schemas", options.schemas,
                        "store or document to look up classes in, besides STORE; may be repeated")
             ->type_name("STORE")
-            ->allow_extra_args(false);
+            ->allow_extra_args(false)
+            ->check(mustNotBeEmpty);
     if (verb.has(Verb::kTreeOptions)) {
         app.add_option("-d,--depth", options.depth, "how many levels below the object")
             ->type_name("DEPTH")
@@ -145,7 +156,8 @@ void addEditing(CLI::App& app, const Verb& verb, Options& options) {
     if (verb.has(Verb::kUnit)) addName(app, "--unit", options.unit, "unit of the primitive", "UNIT");
     if (verb.has(Verb::kTo)) addName(app, "--to", options.to, "copy into another file store", "STORE");
     if (verb.has(Verb::kDocuments)) {
-        addName(app, "--into", options.into, "container to read into; the root if left out", "PATH");
+        app.add_option("--into", options.into, "container to read into; the root if left out")
+            ->type_name("PATH");
         app.add_flag("--keep-going", options.keepsGoing, "keep what could be read of a document");
     }
     if (verb.has(Verb::kRepairOptions)) {
@@ -169,9 +181,19 @@ void addChoices(CLI::App& app, const Verb& verb, Options& options) {
         addWords(app, "--color", kColors, options.color, "colours; auto heeds the terminal and NO_COLOR");
         app.add_option("-o,--output", options.output,
                        "write to a file, which takes its name only when it is whole")
-            ->type_name("FILE");
+            ->type_name("FILE")
+            ->check(mustNotBeEmpty);
     }
     app.add_flag("-q,--quiet", options.quiet, "no reports, warnings and progress on standard error");
+}
+
+void mustReadOnce(const Verb& verb, const Options& options) {
+    std::vector<std::string> inputs = options.schemas;
+    inputs.push_back(options.store);
+    if (verb.has(Verb::kBoth | Verb::kSource)) inputs.push_back(options.target);
+    if (verb.has(Verb::kDocuments)) inputs.insert(inputs.end(), options.words.begin(), options.words.end());
+    if (std::count(inputs.begin(), inputs.end(), "-") > 1)
+        throw CLI::ValidationError("-", "standard input can be read once only");
 }
 
 // What the options alone do not say.
@@ -185,6 +207,7 @@ void take(const CLI::App& app, const Verb& verb, Command& command) {
         options.store = options.words.back();
         options.words.pop_back();
     }
+    mustReadOnce(verb, options);
     command.verb = &verb;
 }
 

@@ -7,6 +7,7 @@
 
 #include "Nearest.h"
 #include "Objects.h"
+#include "Text.h"
 
 namespace qvt {
 
@@ -23,10 +24,15 @@ void append(Bytes& bytes, const void* more, std::size_t size) {
     bytes.insert(bytes.end(), begin, begin + size);
 }
 
+std::string_view withoutPlus(std::string_view text) {
+    const bool hasPlus = text.size() > 1 && text[0] == '+' && text[1] != '-';
+    return text.substr(hasPlus ? 1 : 0);
+}
+
 // The number in its whole length and within the range of its type.
 template <class T>
 bool addNumber(Bytes& bytes, std::string_view text) {
-    if (text.size() > 1 && text[0] == '+' && text[1] != '-') text.remove_prefix(1);
+    text = withoutPlus(text);
     T number{};
     const auto result = std::from_chars(text.data(), text.data() + text.size(), number);
     if (result.ec != std::errc() || result.ptr != text.data() + text.size()) return false;
@@ -65,12 +71,24 @@ bool addNumber(Bytes& bytes, std::uint32_t type, std::string_view text) {
 
 bool isNumberType(std::uint32_t type) { return type >= metadata::kBool && type <= metadata::kMatrix4x4; }
 
+bool isWholeNumberType(std::uint32_t type) { return type < metadata::kScalar; }
+
+// Whether a text that is no number of the type would be one if the type reached further.
+bool isBeyond(std::uint32_t type, std::string_view text) {
+    text = withoutPlus(text);
+    const std::size_t sign = text[0] == '-' ? 1 : 0;
+    if (isWholeNumberType(type) && text.find_first_not_of("0123456789", sign) != text.npos) return false;
+    long double number = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+    return error != std::errc::invalid_argument && end == text.data() + text.size();
+}
+
 // A component is named by what it is a part of.
 void mustAdd(Bytes& bytes, std::uint32_t type, std::string_view text) {
-    const std::uint32_t components = metadata::componentCount(type);
-    if (!addNumber(bytes, type, text))
-        throw wrong(std::string(text) + " is no number of " + (components > 1 ? "a " : "type ") +
-                    typeName(type));
+    if (addNumber(bytes, type, text)) return;
+    const std::string of = (metadata::componentCount(type) > 1 ? "a " : "type ") + typeName(type);
+    throw wrong(std::string(text) +
+                (isBeyond(type, text) ? " is out of the range of " : " is no number of ") + of);
 }
 
 std::vector<std::string_view> splitAtBlanks(const std::vector<std::string>& words) {
@@ -170,7 +188,7 @@ std::uint32_t typeNamed(const std::string& name) {
 Failure unknownType(const std::string& type) {
     Nearest nearest(type);
     for (const std::string& each : kindAndTypeNames()) nearest.offer(each);
-    return wrong(type + " is neither node, group, link or table nor a type" + nearest.question());
+    return wrong(shown(type) + " is neither node, group, link or table nor a type" + nearest.question());
 }
 
 std::vector<std::string> kindAndTypeNames() {

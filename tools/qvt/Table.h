@@ -7,8 +7,8 @@
 
 namespace qvt {
 
-// Rows of cells as lines, each column as wide as its widest cell, counted in characters. The last column is
-// not filled up.
+// Rows of cells as lines, each column as wide as its widest cell, counted in characters, up to a limit: a
+// long cell moves what is behind it, and nothing else. The last column is not filled up.
 class Table {
   public:
     void add(std::vector<std::string> cells);

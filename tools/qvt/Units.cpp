@@ -5,6 +5,7 @@
 
 #include "Nearest.h"
 #include "Options.h"
+#include "Text.h"
 #include "norvane/platform/data/format/xml/UnitTable.h"
 
 namespace qvt {
@@ -54,8 +55,8 @@ std::uint32_t unitIdOf(std::string_view name) {
 
 std::uint32_t unitNamed(const std::string& name) {
     if (const std::uint32_t id = unitIdOf(name)) return id;
-    throw Failure(kUsage,
-                  "error: no unit " + name + Nearest::asQuestion(unitNear(name)) + " (qvt units lists them)");
+    throw Failure(kUsage, "error: no unit " + shown(name) + Nearest::asQuestion(unitNear(name)) +
+                              " (qvt units lists them)");
 }
 
 std::string unitNear(const std::string& name) {

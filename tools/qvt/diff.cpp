@@ -270,8 +270,6 @@ class Compared {
 };
 
 int diff(const Options& options) {
-    if (options.store == "-" && options.target == "-")
-        throw Failure(kUsage, "error: standard input can be one of the two only");
     Messages messages(options.quiet);
     const Libraries libraries(options.schemas, messages);
     Compared left(options.store, libraries, messages);

@@ -98,8 +98,10 @@ std::uint32_t offsetIn(const std::string& text) {
     const char* end = text.data() + text.size();
     std::uint32_t offset = 0;
     const auto result = std::from_chars(begin, end, offset, isHexadecimal ? 16 : 10);
+    if (result.ec == std::errc::result_out_of_range && result.ptr == end)
+        throw Failure(kUsage, "error: " + text + " is no offset: the highest are below 4294967295");
     if (result.ec != std::errc() || result.ptr != end || begin == end)
-        throw Failure(kUsage, "error: " + text + " is no offset (a number, as 12 or 0xc)");
+        throw Failure(kUsage, "error: " + shown(text) + " is no offset (a number, as 12 or 0xc)");
     return offset;
 }
 

@@ -1,5 +1,9 @@
 #pragma once
 
+#if __cplusplus < 202002L
+#error "<qvt/file.hpp> needs C++20 (-std=c++20); FileDataStore.h needs C++17 only"
+#else
+
 #include <concepts>
 #include <type_traits>
 #include <utility>
@@ -39,3 +43,5 @@ bool commit(FileStore& store, Work&& work) {
 }
 
 }  // namespace qvt
+
+#endif

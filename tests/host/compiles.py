@@ -1,5 +1,6 @@
 #!/usr/bin/env python3
-"""Each header of include/qvt compiles alone; of each pair below, what is right compiles and what is wrong does not.
+"""Each header of include/qvt compiles alone; of each pair below, what is right compiles and what is wrong does not. In C++17
+the headers that programs begin with say what they need, and nothing else.
 
 usage: compiles.py CXX INCLUDE
 """
@@ -85,6 +86,12 @@ def check_alone(header):
     return None if works else f"{header} does not compile alone\n{said}"
 
 
+def check_older(header):
+    works, said = compiled(f'#include "qvt/{header}"\n', "-std=c++17")
+    errors = [line for line in said.splitlines() if "error:" in line]
+    return None if not works and len(errors) == 1 and "C++20" in errors[0] else f"{header} in C++17 says\n{said}"
+
+
 def main():
     headers = [path.name for path in pathlib.Path(INCLUDE, "qvt").glob("*.hpp")]
     with tempfile.TemporaryDirectory() as folder:
@@ -94,6 +101,7 @@ def main():
         ending = ".pch" if "clang" in CXX else ".gch"
         subprocess.run([CXX, *FLAGS, "-x", "c++-header", str(common), "-o", f"{common}{ending}"], check=True)
         found = [check_alone(header) for header in headers]
+        found += [check_older(header) for header in ("qvt.hpp", "file.hpp")]
         found.append(check_right(str(common)))
         found += [check_wrong(str(common), about, wrong, words) for about, _, wrong, words in PAIRS]
     print(f"{len(headers)} headers, {len(PAIRS)} pairs")

@@ -493,6 +493,20 @@ TEST(XMLParsingLogic, FirstOfTwoAttributesOfANameCounts) {
     EXPECT_EQ(written(driven.store), "<int32 name=\"a\" units=\"Meter\"/>\n");
 }
 
+TEST(XMLParsingLogic, FirstOfTwoAttributesOfAValueInAGroupCounts) {
+    Driven driven;
+    driven.start("group", {"name", "g"});
+    driven.start("int32",
+                 {"name", "a", "name", "b", "units", "Meter", "units", "Second", "dim", "2", "dim", "3"});
+    driven.end();
+    driven.start("int32", {"name", nullptr, "name", "c"});
+    driven.end();
+    driven.end();
+    EXPECT_THAT(driven.reports.texts, ElementsAre("int32 : missing mandatory 'id' attribute"));
+    EXPECT_EQ(written(driven.store),
+              "<group name=\"g\" class=\"\">\n  <int32 name=\"a\" units=\"Meter\">0 0</int32>\n</group>\n");
+}
+
 TEST(XMLParsingLogic, AttributeWithANullValueIsNone) {
     Driven driven;
     driven.start("group", {"name", nullptr});

@@ -1,5 +1,7 @@
 #include "model/Set.h"
 
+#include <utility>
+
 #include "model/ChildCache.h"
 #include "model/Open.h"
 #include "model/Subtree.h"
@@ -33,15 +35,13 @@ void Set::indexChildren(Opening opening) {
     if (opening == Opening::handle) loadChildren();
 }
 
-void Set::beUnseen() {
-    isUnseen_ = true;
-    indexed_ = false;
-}
-
 void Set::beSeen() {
     Item::beSeen();
-    if (isUnseen_ && !indexed_) loadChildren();
-    isUnseen_ = false;
+    rememberAll();
+}
+
+void Set::rememberAll() {
+    if (std::exchange(isUnseen_, false)) loadChildren();
 }
 
 void Set::loadChildren() {
@@ -84,11 +84,33 @@ std::uint32_t Set::lookUp(std::u16string_view name) {
     return found ? *found : std::uint32_t{IDataStore::BADOFF};
 }
 
-// A child that is about to be listed, and that `find` does not know. An unseen set with many is indexed ahead
-// of one more.
+// A child that is about to be listed, and that `find` does not know.
 void Set::remember(std::u16string_view name, std::uint32_t offset) {
-    if (isUnseen_ && !indexed_ && ++count_ > kFewUnseen) loadChildren();
-    if (indexed_) insertNew(name, offset);
+    if (isUnseen_)
+        rememberUnseen(name, offset);
+    else if (indexed_)
+        insertNew(name, offset);
+}
+
+std::uint32_t Set::findUnseen(std::u16string_view name) {
+    if (count_ <= kFewUnseen) return findListed(store(), childrenRecord_, name);
+    if (isReserved(name)) return IDataStore::BADOFF;
+    const std::uint32_t* found = unseen_->find(ChildIndex::hashOf(name), [&](std::uint32_t child) {
+        return Record::Snapshot(store(), child)->hasName(name);
+    });
+    return found ? *found : std::uint32_t{IDataStore::BADOFF};
+}
+
+void Set::rememberUnseen(std::u16string_view name, std::uint32_t offset) {
+    if (count_ == kFewUnseen) hashUnseen();
+    if (count_ >= kFewUnseen) unseen_->insert(ChildIndex::hashOf(name), offset);
+    ++count_;
+}
+
+void Set::hashUnseen() {
+    unseen_ = std::make_unique<ChildHashes>();
+    for (const std::uint32_t child : children())
+        unseen_->insert(ChildIndex::hashOf(Record::Snapshot(store(), child)->name()), child);
 }
 
 void Set::insertNew(std::u16string_view name, std::uint32_t offset) {
@@ -110,18 +132,20 @@ void Set::dropIndex() {
     shared_.reset();
     listed_.clear();
     own_.clear();
+    unseen_.reset();
     count_ = 0;
 }
 
 void Set::reloadChildren() {
+    isUnseen_ = false;
     indexed_ = false;
     bindChildren(*Record::Snapshot(store(), offset()));
     loadChildren();
 }
 
 std::uint32_t Set::find(std::u16string_view name) {
-    if (indexed_) return lookUp(name);
-    return isUnseen_ ? findListed(store(), childrenRecord_, name) : findChild(store(), offset(), name);
+    if (isUnseen_) return findUnseen(name);
+    return indexed_ ? lookUp(name) : findChild(store(), offset(), name);
 }
 
 std::uint32_t Set::resolve(std::u16string_view path) {
@@ -199,6 +223,7 @@ void Set::link(std::uint32_t offset) {
 }
 
 bool Set::removeChild(std::u16string_view name) {
+    rememberAll();
     const std::uint32_t child = find(name);
     if (child == IDataStore::BADOFF) return false;
     const std::uint8_t kind = Record::kindOf(store(), child);
@@ -214,6 +239,7 @@ bool Set::removeChild(std::u16string_view name) {
 }
 
 bool Set::renameChild(std::u16string_view oldName, std::u16string_view newName) {
+    rememberAll();
     if (find(newName) != IDataStore::BADOFF) return false;
     const std::uint32_t child = find(oldName);
     if (child == IDataStore::BADOFF) return false;

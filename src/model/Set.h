@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "model/ChildHashes.h"
 #include "model/ChildIndex.h"
 #include "model/Item.h"
 #include "model/ListedNames.h"
@@ -68,8 +69,8 @@ class Set : public Item {
     Set() noexcept;
 
     // For a set that was made in this operation, and that nobody else has met. Until it is seen, what the
-    // store says of its children is what this object would remember, so it remembers few of them.
-    void beUnseen();
+    // store says of its children is what this object would remember, so it does not.
+    void beUnseen() { isUnseen_ = true; }
     // Takes over the children of the record; an object opened as a handle indexes them.
     void bindChildren(const Record::View& record) { childrenRecord_ = record.load(Record::field::children); }
     void indexChildren(Opening opening);
@@ -81,7 +82,11 @@ class Set : public Item {
     void settle();
     std::uint32_t lookUp(std::u16string_view name);
     bool isHere() const { return isUnseen_ || isStored(); }
+    std::uint32_t findUnseen(std::u16string_view name);
     void remember(std::u16string_view name, std::uint32_t offset);
+    void rememberUnseen(std::u16string_view name, std::uint32_t offset);
+    void hashUnseen();
+    void rememberAll();
     void insertNew(std::u16string_view name, std::uint32_t offset);
     void forget(std::u16string_view name);
     void dropIndex();
@@ -98,6 +103,7 @@ class Set : public Item {
     std::uint32_t childrenRecord_;
     bool indexed_ = true;  // a new set has no children: its empty index is complete
     bool isUnseen_ = false;
+    std::unique_ptr<ChildHashes> unseen_;  // its children, once they are many
 };
 
 // The set over the record that everything hangs below. It has no parent, no path, and is never copied.

@@ -93,6 +93,22 @@ TEST_F(ContainerTest, ChildrenAreRememberedFromTheMomentOnInWhichOthersMayLook) 
     EXPECT_EQ(unseen.childCount(), 2u);
 }
 
+TEST_F(ContainerTest, UnseenContainerKeepsItsChildrenApartWhenTheyAreRenamedAndRemoved) {
+    Container parent(&store_, 0, u"p");
+    Container unseen(parent, 0, u"u", 0, nullptr);
+    for (char16_t name = u'A'; name <= u'Z'; ++name)
+        Container(unseen, 0, std::u16string(1, name), 0, nullptr);
+
+    EXPECT_TRUE(unseen.renameChild(u"B", u"b"));
+    EXPECT_TRUE(unseen.removeChild(u"C"));
+
+    EXPECT_EQ(unseen.find(u"B"), IDataStore::BADOFF);
+    EXPECT_EQ(unseen.find(u"C"), IDataStore::BADOFF);
+    EXPECT_EQ(unseen.find(u"b"), unseen.childAt(1));
+    EXPECT_EQ(unseen.find(u"Z"), unseen.childAt(24));
+    EXPECT_EQ(unseen.childCount(), 25u);
+}
+
 TEST_F(ContainerTest, ThereIsNoRoomForANameThatIsTakenNorInASetThatIsGone) {
     Container parent(&store_, 0, u"p");
     Container(parent, 0, u"c", 0, nullptr);

@@ -247,7 +247,15 @@ class Manual(ToolTest):
         self.assertEqual((run.returncode, run.stderr), (0, b""))
         text = self.words(run.stdout.decode())
         self.assertIn("--keep-going", text)
+        self.assertIn("~ PATH: WHAT A -> B both have it: kind, type", text)
         self.assertIn("qvt find plant.qvt hall --name 'p*' --type node", text)
+
+    @unittest.skipUnless(shutil.which("groff"), "there is no groff")
+    def test_FitsTerminalsOfEightyColumns(self):
+        for device in ("ascii", "utf8"):
+            run = subprocess.run(["groff", "-ww", "-man", "-rLL=80n", "-T" + device, "-P-cbou", self.PAGE], check=True,
+                                 stdout=subprocess.PIPE)
+            self.assertEqual([line for line in run.stdout.decode().splitlines() if len(line) > 80], [])
 
 
 class Progress(ToolTest):

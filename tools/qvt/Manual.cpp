@@ -19,23 +19,47 @@ std::string plain(std::string_view text) {
     return isRequest ? "\\&" + result : result;
 }
 
+template <class Act>
+void forEachLine(std::string_view text, Act act) {
+    while (!text.empty()) {
+        const std::string_view line = text.substr(0, text.find('\n'));
+        text.remove_prefix(std::min(text.size(), line.size() + 1));
+        act(line);
+    }
+}
+
+// "WORD  MEANING", or a word that says it all.
+std::string word(std::string_view line) {
+    const std::size_t end = std::min(line.find("  "), line.size());
+    const std::size_t meaning = std::min(line.find_first_not_of(' ', end), line.size());
+    return ".TP\n" + plain(line.substr(0, end)) + "\n" +
+           (meaning == line.size() ? "" : plain(line.substr(meaning)) + "\n");
+}
+
 std::string request(const char* name, std::string_view argument) {
     return std::string(".") + name + " \"" + plain(argument) + "\"\n";
 }
 
-// Lines that begin with blanks keep their shape, all others are filled.
+// Commands, one a line.
+std::string commands(std::string_view text) {
+    std::string result = ".PP\n.nf\n";
+    forEachLine(text, [&](std::string_view line) { result += plain(line) + "\n"; });
+    return result + ".fi\n";
+}
+
+// A line that begins with two blanks has a word, and behind two more what it means; one that begins with more
+// goes on with that. All else is text.
 std::string paragraphs(std::string_view text) {
     std::string result;
-    bool isKept = false;
-    while (!text.empty()) {
-        const std::string_view line = text.substr(0, text.find('\n'));
-        text.remove_prefix(std::min(text.size(), line.size() + 1));
-        const bool keeps = !line.empty() && line[0] == ' ';
-        if (keeps != isKept) result += keeps ? ".PP\n.nf\n" : ".fi\n.PP\n";
-        isKept = keeps;
-        result += line.empty() ? ".PP\n" : plain(line) + "\n";
-    }
-    return isKept ? result + ".fi\n" : result;
+    bool isWithin = false;
+    forEachLine(text, [&](std::string_view line) {
+        const std::size_t blanks = std::min(line.find_first_not_of(' '), line.size());
+        if (blanks == 2) result += word(line.substr(2));
+        if (blanks == 0 && (isWithin || line.empty())) result += ".PP\n";
+        if (blanks != 2 && !line.empty()) result += plain(line.substr(blanks)) + "\n";
+        isWithin = blanks != 0;
+    });
+    return result;
 }
 
 std::string optionText(const CLI::Option& option) {
@@ -54,7 +78,7 @@ std::string verbText(const CLI::App& app, const Verb& verb) {
         request("SS", usageOf(app)) + plain(verb.summary) + ".\n.PP\n" + paragraphs(verb.details);
     for (const CLI::Option* option : app.get_options())
         if (option != app.get_help_ptr()) text += optionText(*option);
-    return text + ".PP\nExamples:\n" + paragraphs(verb.examples);
+    return text + ".PP\nExamples:\n" + commands(verb.examples);
 }
 
 constexpr const char* kEnvironment =

@@ -10,7 +10,7 @@ Blocks stand between fences, and each has one of these forms; anything else fail
                        print what stands in the `text` block behind it
   LANGUAGE FILE        a file that stands in the folder from then on; a session further down uses it
   LANGUAGE PATH/FILE   a piece of that file of the repository, indented or not
-  sh                   commands for the repository, which take too long to be run here
+  sh                   commands for the repository, which take too long to be run here; its files that they name are there
   text drawing         no code
 
 Wherever they stand, links lead to files and headings that are there, `./dev VERB` has that verb, and `--preset NAME`
@@ -136,6 +136,12 @@ def check_program(text, output):
         check("the program", output, run_program(text, standard))
 
 
+def check_commands(text):
+    for name in re.findall(r"(?<![\w/.~])(?:bench|docs|examples|fuzz|tests|tools)/[\w./-]+", text):
+        if not (SOURCE / name).exists():
+            sys.exit(f"there is no {name}")
+
+
 def is_output(block, before):
     """A text right behind a program."""
     return block[:2] == ("text", "") and before[:2] == ("cpp", "")
@@ -157,6 +163,8 @@ def check_block(block, before, following, folder):
         pathlib.Path(folder, name).write_text(text)
         check_use(name, following)
         return "files", 1
+    if block[:2] == ("sh", ""):
+        check_commands(text)
     if block[:2] not in (("text", "drawing"), ("sh", "")) and not is_output(block, before):
         sys.exit(f"nothing is known of a block {language} {name}:\n{text}")
     return "others", 1

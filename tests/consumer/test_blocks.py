@@ -34,6 +34,9 @@ class Pages(unittest.TestCase):
         status, said = answer(page + "[here](#a-page)\n")
         self.assertEqual(status, 0, said)
 
+    def test_a_command_that_is_not_there_is_refused(self):
+        self.refuses(fence("sh", "tools/lint/nonsense.py --update\n"), "there is no tools/lint/nonsense.py")
+
     def test_an_unknown_language_is_refused(self):
         self.refuses(fence("python", "print()\n"), "nothing is known of a block python")
 

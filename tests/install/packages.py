@@ -44,6 +44,10 @@ def check_words(packages):
         expect(library in needs["libqvt3.0"], f"the libraries name {library}: {needs['libqvt3.0']}")
     for name in ("libqvt-dev", "qvt"):
         expect("libqvt3.0" in needs[name], f"{name} names the libraries: {needs[name]}")
+    page = pathlib.Path(README).read_text()
+    for name in said:
+        expect(f"`{name}`" in page, f"README.md tells of {name}")
+    expect(set(re.findall(r"`(libqvt[\w.-]+)`", page)) < set(said), "README.md tells of no other package")
     expect(not any("-dev" in need for name in needs for need in needs[name]), f"nobody needs what builds: {needs}")
 
 

@@ -58,6 +58,7 @@ class WrongUsage(ToolTest):
                 (["dump", "model.xml", " "], '" " is no offset (a number, as 12 or 0xc)'),
                 (["new", "model.qvt", "a", ""], '"" is neither node, group, link or table nor a type'),
                 (["check", "."], ". is a folder; check works on file stores (*.qvt)"),
+                (["import", "model.xml", "x.db"], "x.db does not end in .qvt; import works on file stores (*.qvt)"),
                 (["check", "model.xml"], "model.xml is a document; check works on file stores (*.qvt)"),
                 (["tree", "-", "--schemas", "-"], "standard input can be read once only (see qvt tree --help)"),
                 (["diff", "-", "-"], "standard input can be read once only"),
@@ -133,7 +134,8 @@ class Suggestions(ToolTest):
             self.assertTrue(self.said("show", "model.xml", typed).endswith(words + "\n"), typed)
 
     def test_AreClasses(self):
-        for typed, meant in (("Types.Pmup", "Types.Pump"), ("Type.Pump", "Types.Pump")):
+        for typed, meant in (("Types.Pmup", "Types.Pump"), ("Type.Pump", "Types.Pump"), ("Pump", "Types.Pump"),
+                             ("Elsewhere.Pump", "Types.Pump")):
             self.assertIn(f"did you mean {meant}?", self.said("schema", "model.xml", typed))
             self.assertIn(f"did you mean {meant}?", self.said("conforms", "model.xml", "hall", typed))
         self.assertNotIn("did you mean", self.said("schema", "model.xml", "hal"))

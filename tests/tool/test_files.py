@@ -156,7 +156,7 @@ class Documents(ToolTest):
                           ["cp", "model.qvt", "g", "h", "--to", "out.xml"]):
             result = self.run_tool(*arguments)
             self.assertEqual((result.status, result.out), (2, ""))
-            self.assertIn("is a document", result.err)
+            self.assertIn("does not end in .qvt", result.err)
         self.assertEqual(os.listdir(self.folder), ["model.xml"])
 
 

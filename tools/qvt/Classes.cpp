@@ -6,6 +6,7 @@
 
 #include "Nearest.h"
 #include "Options.h"
+#include "Paths.h"
 #include "Tree.h"
 
 namespace qvt {
@@ -17,6 +18,26 @@ namespace {
 std::optional<std::string> classOfTable(const Tree& tree, const std::string& name) {
     const Object found = tree.find(name);
     return found.table() ? std::optional<std::string>(qvt::classOf(found)) : std::nullopt;
+}
+
+// The first table with the last name of a class: people leave out where a class stands. Of a large store the
+// beginning is looked through.
+std::string tableOfLastName(const Tree& tree, const std::string& className) {
+    constexpr int kMostObjects = 100000;
+    const std::string name = className.substr(className.rfind('.') + 1);
+    const Object top = tree.find("");
+    if (!top) return "";
+    Walk walk(top, tree.pathOf(top));
+    Object object = walk.next();
+    for (int i = 0; i < kMostObjects && object; ++i, object = walk.next())
+        if (object.table() && nameOf(object) == name) return walk.path();
+    return "";
+}
+
+// The class that may have been meant by a name that is none; empty if nothing is near.
+std::string classMeant(const Tree& tree, const std::string& name) {
+    const std::string path = tree.meant(name);
+    return !path.empty() && classOfTable(tree, path) ? path : tableOfLastName(tree, name);
 }
 
 }  // namespace
@@ -33,11 +54,8 @@ std::vector<std::string> namesIn(const std::string& classText) {
 
 Failure unknownClass(const std::string& name, const ClassPlaces& places) {
     std::string meant;
-    for (IDataStore* store : places.stores) {
-        const Tree tree(*store, places.file);
-        const std::string path = meant.empty() ? tree.meant(name) : std::string();
-        if (!path.empty() && classOfTable(tree, path)) meant = path;
-    }
+    for (IDataStore* store : places.stores)
+        if (meant.empty()) meant = classMeant(Tree(*store, places.file), name);
     return {kMissing, places.file + ": error: no class " + name + ", nor in the stores of --schemas" +
                           Nearest::asQuestion(meant)};
 }

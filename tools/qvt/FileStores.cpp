@@ -96,9 +96,11 @@ bool isSameFile(const std::string& left, const std::string& right) {
 void mustBeFileStore(const std::string& path, const char* verb) {
     if (isFileStore(path)) return;
     std::error_code unknown;
-    const char* what = std::filesystem::is_directory(path, unknown) ? "folder" : "document";
-    throw Failure(kUsage,
-                  "error: " + shown(path) + " is a " + what + "; " + verb + " works on file stores (*.qvt)");
+    const auto status = std::filesystem::status(path, unknown);
+    const char* what = " is a document; ";
+    if (std::filesystem::is_directory(status)) what = " is a folder; ";
+    if (path != "-" && !std::filesystem::exists(status)) what = " does not end in .qvt; ";
+    throw Failure(kUsage, "error: " + shown(path) + what + verb + " works on file stores (*.qvt)");
 }
 
 std::unique_ptr<IDataStore> openForReading(const std::string& path) {

@@ -7,7 +7,7 @@ import subprocess
 import time
 import unittest
 
-from tool import DOCUMENTS, QVT, SOURCE, ToolTest
+from tool import DOCUMENTS, QVT, SOURCE, ToolTest, read_terminal
 
 VERBS = ["import", "export", "tree", "show", "get", "set", "new", "rm", "mv", "cp", "merge", "stat", "schema", "units",
          "conforms", "check", "repair", "compact", "dump", "find", "diff"]
@@ -268,13 +268,7 @@ class Progress(ToolTest):
         run = subprocess.Popen([QVT, *arguments], stdout=subprocess.DEVNULL, stderr=slave, cwd=self.folder,
                                env={**os.environ, "TERM": terminal})
         os.close(slave)
-        out = b""
-        try:
-            while piece := os.read(master, 65536):
-                out += piece
-        except OSError:  # how a terminal ends
-            pass
-        os.close(master)
+        out = read_terminal(master)
         self.assertEqual(run.wait(), 0)
         return out.decode()
 

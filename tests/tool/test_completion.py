@@ -6,7 +6,7 @@ import shutil
 import subprocess
 import unittest
 
-from tool import DOCUMENTS, QVT, SANITIZED, SOURCE, ToolTest
+from tool import DOCUMENTS, QVT, SANITIZED, SOURCE, ToolTest, read_terminal
 
 COMPLETION = SOURCE / "tools" / "qvt" / "completion"
 
@@ -199,13 +199,7 @@ class Zsh(CompletionTest):
                                env={**self.environment, "TERM": "dumb", "ZDOTDIR": str(self.folder)})
         os.close(slave)
         os.write(master, "".join(line + "\n" for line in (*lines, "exit")).encode())
-        out = b""
-        try:
-            while piece := os.read(master, 65536):
-                out += piece
-        except OSError:  # how a terminal ends
-            pass
-        os.close(master)
+        out = read_terminal(master)
         run.wait(timeout=100)
         return out.decode().replace("\r", "")
 

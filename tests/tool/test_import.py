@@ -5,7 +5,7 @@ import signal
 import subprocess
 import time
 
-from tool import QVT, ToolTest
+from tool import QVT, ToolTest, read_terminal
 
 MODEL = '<root name="r" version="3"><group name="g"><int8 name="i">1</int8></group></root>'
 
@@ -239,12 +239,6 @@ class Progress(ToolTest):
         master, slave = pty.openpty()
         run = subprocess.Popen([QVT, "import", "model.xml", "model.qvt"], stderr=slave, cwd=self.folder)
         os.close(slave)
-        out = b""
-        try:
-            while piece := os.read(master, 65536):
-                out += piece
-        except OSError:  # how a terminal ends
-            pass
-        os.close(master)
+        out = read_terminal(master)
         self.assertEqual(run.wait(), 0)
         return out.decode()

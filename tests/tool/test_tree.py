@@ -2,7 +2,7 @@ import os
 import pty
 import subprocess
 
-from tool import QVT, ToolTest
+from tool import QVT, ToolTest, read_terminal
 
 MODEL = """<root name="r" version="3">
 <table name="Box"><default unit="Meter" type="double"/>
@@ -138,13 +138,7 @@ class Colours(ToolTest):
         env = {**os.environ, "TERM": "xterm", "NO_COLOR": "", **environment}
         run = subprocess.Popen([QVT, *arguments], stdout=slave, cwd=self.folder, env=env)
         os.close(slave)
-        out = b""
-        try:
-            while piece := os.read(master, 65536):
-                out += piece
-        except OSError:  # how a terminal ends
-            pass
-        os.close(master)
+        out = read_terminal(master)
         self.assertEqual(run.wait(), 0)
         return out
 

@@ -31,6 +31,18 @@ sys.exit(run.returncode)
 """]
 
 
+def read_terminal(master):
+    """All that is written to a terminal, until nobody is left who could."""
+    out = b""
+    try:
+        while piece := os.read(master, 65536):
+            out += piece
+    except OSError:  # how a terminal ends
+        pass
+    os.close(master)
+    return out
+
+
 class Result:
     def __init__(self, run):
         self.status = run.returncode

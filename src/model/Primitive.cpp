@@ -1,12 +1,12 @@
 #include "model/Primitive.h"
 
 #include <algorithm>
-#include <array>
 #include <cstring>
 
 #include "model/Subtree.h"
 #include "norvane/platform/data/metadata/tDataType.h"
 #include "records/NewEntity.h"
+#include "records/SmallBlock.h"
 
 namespace norvane::platform::data::Design {
 
@@ -164,24 +164,6 @@ std::byte* Primitive::valueIn(Record::Entity& record) {
     return record.bytes() + record.view().sectionPosition(field::valueSize);
 }
 
-namespace {
-
-// The bytes of a record that is written at once. Few need no memory of their own.
-class Draft {
-  public:
-    explicit Draft(std::uint32_t size) : large_(size <= kFew ? 0 : size) {}
-
-    std::byte* bytes() { return large_.capacity() == 0 ? few_.data() : large_.bytes(); }
-
-  private:
-    static constexpr std::uint32_t kFew = 512;
-
-    std::array<std::byte, kFew> few_;
-    Record::Block large_;
-};
-
-}  // namespace
-
 // Puts a value of `size` bytes in the place of one that is no longer, in one write and without a look at what
 // goes. False, with nothing changed, where bytes stand behind the value, or the record does not take that.
 bool Primitive::storeInstead(const void* source, std::uint64_t size) {
@@ -192,7 +174,7 @@ bool Primitive::storeInstead(const void* source, std::uint64_t size) {
     if (!isSound || there > size || start + there != record->size()) return false;
     if (start + size > store()->recordLimit()) return false;
     const auto stored = static_cast<std::uint32_t>(size);
-    Draft draft(static_cast<std::uint32_t>(start + size));
+    Record::SmallBlock<512> draft(static_cast<std::uint32_t>(start + size));
     std::memcpy(draft.bytes(), record->bytes(), start);
     std::memcpy(draft.bytes() + field::valueSize.position, &stored, sizeof stored);
     std::memcpy(draft.bytes() + start, source, size);

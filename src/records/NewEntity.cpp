@@ -1,12 +1,9 @@
 #include "records/NewEntity.h"
 
-#include <algorithm>
-#include <utility>
-
 namespace norvane::platform::data::Record {
 
-NewEntity::NewEntity(Kind kind) : bytes_(few_), size_(formatOf(kind).fixedSize) {
-    std::memset(bytes_, 0, size_);
+NewEntity::NewEntity(Kind kind) : size_(formatOf(kind).fixedSize) {
+    std::memset(block_.bytes(), 0, size_);
     set(field::kind, static_cast<std::uint8_t>(kind));
     set(field::parent, std::uint32_t{IDataStore::BADOFF});
     set(field::locale, std::uint32_t{IDataStore::BADOFF});
@@ -17,15 +14,10 @@ NewEntity::NewEntity(Kind kind) : bytes_(few_), size_(formatOf(kind).fixedSize) 
 std::byte* NewEntity::addSection(U32 sizeField, std::uint64_t size) {
     const std::uint32_t begin = size_;
     const std::uint32_t end = checkedSize(begin + size);
-    if (end > std::max(kFew, large_.capacity())) {
-        Block larger(end);
-        std::memcpy(larger.bytes(), bytes_, begin);
-        large_ = std::move(larger);
-        bytes_ = large_.bytes();
-    }
+    block_.reserve(end, begin);
     size_ = end;
     set(sizeField, static_cast<std::uint32_t>(size));
-    return bytes_ + begin;
+    return block_.bytes() + begin;
 }
 
 void NewEntity::addText(U32 sizeField, std::u16string_view text) {

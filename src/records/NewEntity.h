@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "records/Records.h"
+#include "records/SmallBlock.h"
 
 namespace norvane::platform::data::Record {
 
@@ -23,7 +24,7 @@ class NewEntity {
 
     template <class T>
     void set(Field<T> field, T value) {
-        std::memcpy(bytes_ + field.position, &value, sizeof(T));
+        std::memcpy(block_.bytes() + field.position, &value, sizeof(T));
     }
 
     // The place of the section's bytes, which are not set, until the next section comes.
@@ -33,14 +34,10 @@ class NewEntity {
 
     std::uint32_t size() const { return size_; }
     // Gives the offset.
-    std::uint32_t appendTo(IDataStore* store) const { return store->append(bytes_, size_); }
+    std::uint32_t appendTo(IDataStore* store) const { return store->append(block_.bytes(), size_); }
 
   private:
-    static constexpr std::uint32_t kFew = 512;
-
-    std::byte few_[kFew];
-    Block large_;
-    std::byte* bytes_;
+    SmallBlock<512> block_;
     std::uint32_t size_;
 };
 

@@ -2,12 +2,12 @@
 
 #include <cstddef>
 #include <cstring>
-#include <memory>
 #include <string>
 #include <string_view>
 
 #include "norvane/platform/core/string/StringAlgorithm.h"
 #include "norvane/platform/data/metadata/IStructLayout.h"
+#include "records/SmallBlock.h"
 #include "xml/Element.h"
 #include "xml/NumberText.h"
 #include "xml/NumberTypes.h"
@@ -18,25 +18,12 @@ namespace {
 using core::string::StringAlgorithm;
 using metadata::IStructLayout;
 
-// Room for bytes that need none of their own where they are few, as they nearly always are.
-class Scratch {
-  public:
-    explicit Scratch(std::uint64_t size) : large_(size <= sizeof few_ ? nullptr : new std::byte[size]) {}
-
-    std::byte* bytes() { return large_ ? large_.get() : few_; }
-    const std::byte* bytes() const { return large_ ? large_.get() : few_; }
-
-  private:
-    alignas(std::max_align_t) std::byte few_[256];
-    std::unique_ptr<std::byte[]> large_;
-};
-
 // A value read for writing, with zero bytes behind it. Its size is that of the record; bytes that make no
 // whole element are zero.
 class Value {
   public:
     explicit Value(const Design::Primitive& primitive)
-        : size(sizeOf(primitive)), scratch_(std::uint64_t{size} + kWidestNumber) {
+        : size(sizeOf(primitive)), scratch_(Record::checkedSize(std::uint64_t{size} + kWidestNumber)) {
         if (size != 0) count = primitive.readValues(scratch_.bytes(), 0, primitive.count());
         const std::size_t filled = std::size_t{count} * primitive.elementSize();
         std::memset(scratch_.bytes() + filled, 0, std::size_t{size} + kWidestNumber - filled);
@@ -56,7 +43,7 @@ class Value {
         return isThere ? primitive.valueSize() : 0;
     }
 
-    Scratch scratch_;
+    Record::SmallBlock<256> scratch_;
 };
 
 // Numbers on their way to the serializer, many at a time.

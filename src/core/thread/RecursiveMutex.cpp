@@ -27,6 +27,15 @@ std::uint64_t thisThread() noexcept {
     return threadNumber;
 }
 
+// Lets the other thread of a core, if there is one, go on.
+void relax() noexcept {
+#if defined(__x86_64__) || defined(__i386__)
+    __builtin_ia32_pause();
+#elif defined(__aarch64__)
+    asm volatile("yield");
+#endif
+}
+
 [[noreturn]] void wouldDeadlock() {
     throw std::system_error(std::make_error_code(std::errc::resource_deadlock_would_occur), "would deadlock");
 }
@@ -87,9 +96,26 @@ void RecursiveMutex::lock() {
         return;
     }
     std::uint64_t nobody = 0;
-    if (!owner_.compare_exchange_strong(nobody, self, std::memory_order_acquire, std::memory_order_relaxed))
+    if (!owner_.compare_exchange_strong(nobody, self, std::memory_order_acquire, std::memory_order_relaxed) &&
+        !takeSoon(self))
         WaitGraph::instance().wait(*this);
     depth_ = 1;
+}
+
+// Most hold it for a fraction of a microsecond; to go to sleep and be woken takes several, on both sides. Who
+// looks too often, though, takes it away between any two operations of the other one, and all that they look
+// at goes to and fro between their processors.
+bool RecursiveMutex::takeSoon(std::uint64_t taken) noexcept {
+    constexpr int kFirst = 64;
+    constexpr int kLast = 1024;
+    for (int rounds = kFirst; rounds <= kLast; rounds *= 2) {
+        for (int round = 0; round < rounds; ++round) relax();
+        std::uint64_t seen = 0;
+        if (owner_.load(std::memory_order_relaxed) == 0 &&
+            owner_.compare_exchange_strong(seen, taken, std::memory_order_acquire, std::memory_order_relaxed))
+            return true;
+    }
+    return false;
 }
 
 // Whoever takes it next may end it at once: nothing of it is looked at behind the exchange, only its address
@@ -107,14 +133,12 @@ std::uint32_t RecursiveMutex::depth() const noexcept { return owner() == thisThr
 
 // Whoever has waited goes on with the mark, since there may be others: the last of them wakes nobody, once.
 void RecursiveMutex::wait(std::uint64_t self) noexcept {
-    std::uint64_t seen = 0;
-    while (!owner_.compare_exchange_weak(seen, self | kAwaited, std::memory_order_acquire,
-                                         std::memory_order_relaxed)) {
+    while (!takeSoon(self | kAwaited)) {
+        std::uint64_t seen = owner_.load(std::memory_order_relaxed);
         const std::uint64_t awaited = seen | kAwaited;
         if (seen == awaited ||
             (seen != 0 && owner_.compare_exchange_weak(seen, awaited, std::memory_order_relaxed)))
             owner_.wait(awaited);
-        seen = 0;
     }
 }
 

@@ -32,6 +32,7 @@ class QVT_CORE_API RecursiveMutex {
     friend class WaitGraph;
 
     std::uint64_t owner() const noexcept;
+    bool takeSoon(std::uint64_t taken) noexcept;
     void wait(std::uint64_t self) noexcept;
 
     std::atomic<std::uint64_t> owner_{0};  // the number of a thread, 0 for none; odd while others may wait

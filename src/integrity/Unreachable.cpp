@@ -1,3 +1,5 @@
+#include <utility>
+
 #include "integrity/Findings.h"
 #include "integrity/Survey.h"
 #include "integrity/Tree.h"
@@ -21,6 +23,12 @@ Removal removeUnreachable(IDataStore& store) {
     Findings told;
     const Survey survey(store, told);
     const Tree tree(store, survey, {}, told);
+    // What could not be read this time would pass for something that nothing leads to.
+    const Report again{std::move(told.all), 0};
+    if (!again.isSound()) {
+        removal.report.findings = again.findings;
+        return removal;
+    }
     survey.forEachOffset([&](std::uint32_t offset) {
         if (survey.kindOf(offset) == Record::kNoKind || isLedTo(survey, tree, offset)) return;
         store.remove(offset);

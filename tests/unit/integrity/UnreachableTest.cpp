@@ -1,4 +1,5 @@
 // Taking away what nothing leads to.
+#include "support/ThrowingStore.h"
 #include "unit/integrity/Store.h"
 
 namespace norvane::platform::test {
@@ -28,6 +29,22 @@ TEST_F(Unreachable, IsNothingInAStoreOfWhichAllIsLedTo) {
     EXPECT_EQ(removal.removedCount, 0u);
     EXPECT_EQ(removal.report.recordCount, 8u);
     EXPECT_EQ(store.changeStamp(), stamp);
+}
+
+TEST_F(Unreachable, IsNotWhatCouldNotBeRead) {
+    const std::vector<std::string> before = records();
+    for (std::uint64_t n = 1;; ++n) {
+        ThrowingStore failing(store);
+        failing.throwAt(n);
+        try {
+            removeUnreachable(failing);
+        } catch (const StoreFailure&) {
+        }
+        const bool hasPassed = !failing.thrown();
+        failing.calm();
+        ASSERT_EQ(records(), before) << "after a failure at call " << n;
+        if (hasPassed) return;
+    }
 }
 
 TEST_F(Unreachable, GoesWithAllThatBelongsToIt) {

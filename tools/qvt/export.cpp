@@ -87,7 +87,7 @@ const Verb kExport{
     "write a document",
     "Writes the whole store as a document, or what is at PATH as one of its own. What came from a class\n"
     "and was not changed is left out, and so is what documents cannot hold; floating numbers get 7 digits.\n"
-    "Exporting an export gives the same bytes.",
+    "Exporting an export gives the same bytes, unless a text is shorter than the one that its class gives.",
     "  qvt export plant.qvt -o plant.xml\n"
     "  qvt export plant.qvt hall.p1",
     Verb::kStore | Verb::kSchemas | Verb::kAnswers | Verb::kOptionalPath,

@@ -14,8 +14,9 @@ std::vector<Place> someOf(std::vector<Place> places, std::uint64_t count) {
     Random random(1);
     for (std::size_t i = places.size(); i-- > 1;) std::swap(places[i], places[random.below(i + 1)]);
     std::vector<Place> some;
-    some.reserve(std::min<std::size_t>(count, places.size()));
-    for (std::size_t i = 0; i < some.capacity(); ++i)
+    const std::size_t size = std::min<std::size_t>(count, places.size());
+    some.reserve(size);
+    for (std::size_t i = 0; i < size; ++i)
         some.push_back({WideString(places[i].container.string()), WideString(places[i].name.string())});
     return some;
 }

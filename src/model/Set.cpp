@@ -35,6 +35,12 @@ void Set::indexChildren(Opening opening) {
     if (opening == Opening::handle) loadChildren();
 }
 
+// Without a view, a look at a name would be a read of all of a child's record.
+void Set::beUnseen() {
+    std::uint32_t size = 0;
+    isUnseen_ = store()->view(offset(), size) != nullptr;
+}
+
 void Set::beSeen() {
     Item::beSeen();
     rememberAll();

@@ -69,8 +69,9 @@ class Set : public Item {
     Set() noexcept;
 
     // For a set that was made in this operation, and that nobody else has met. Until it is seen, what the
-    // store says of its children is what this object would remember, so it does not.
-    void beUnseen() { isUnseen_ = true; }
+    // store says of its children is what this object would remember, so it does not, where the store gives
+    // views.
+    void beUnseen();
     // Takes over the children of the record; an object opened as a handle indexes them.
     void bindChildren(const Record::View& record) { childrenRecord_ = record.load(Record::field::children); }
     void indexChildren(Opening opening);
@@ -95,7 +96,7 @@ class Set : public Item {
 
     // The children are those that were listed, until an index is made of them, or else those of the shared
     // index, if there is one; with what stands in this object's own laid over it: BADOFF there hides a child.
-    // None of them means anything as long as this is not `indexed_`: then the store is asked.
+    // None of them means anything as long as this is not `indexed_`, or is unseen: then the store is asked.
     ListedNames listed_;
     std::shared_ptr<const ChildIndex> shared_;
     ChildIndex own_;

@@ -36,6 +36,7 @@ Owned<Metadata::Item> XMLContainer::createIn(Metadata::Set& parent, Attributes a
 }
 
 // Objects without a class are written with an empty one, of which there is none unless a table has no name.
+// It is looked for ahead of the object: a store that fails at that leaves no record behind.
 bool XMLContainer::mayHaveClass(Attributes attributes) const {
     const char* classText = locator_ ? findAttribute("class", attributes) : nullptr;
     return classText && (*classText != '\0' || !ownLocator_ || ownLocator_->knows({}));

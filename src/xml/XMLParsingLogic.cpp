@@ -72,23 +72,23 @@ void XMLParsingLogic::characterData(const char* text, int length) {
 
 void XMLParsingLogic::pausing() {
     if (pending_) openPending();
-    countOpen();
+    showOpen();
 }
 
-void XMLParsingLogic::countOpen() {
-    for (; counted_ < stack_.size(); ++counted_) stack_[counted_].object->beSeen();
+void XMLParsingLogic::showOpen() {
+    for (; seen_ < stack_.size(); ++seen_) stack_[seen_].object->beSeen();
 }
 
 // A locator of the host's own may count on hearing of every element, though the name says nothing.
 void XMLParsingLogic::tellLocator() {
-    countOpen();
+    showOpen();
     locator_->locate(WideString());
 }
 
 void XMLParsingLogic::failElement(std::string_view name, std::u16string_view message) {
     skipDepth_ = 1;
     if (!reporter_) return;
-    countOpen();
+    showOpen();
     const std::u16string text = decode(name).append(u" : ").append(message);
     reporter_->report(WideString(text.data(), text.size()));
 }
@@ -177,7 +177,7 @@ void XMLParsingLogic::closeTop() {
     const OpenElement top = stack_.back();
     if (!std::exchange(keepValue_, false)) top.handler->endContent(*top.object, text_);
     stack_.pop_back();
-    counted_ = std::min(counted_, stack_.size());
+    seen_ = std::min(seen_, stack_.size());
     if (top.object != target_) delete top.object;
 }
 

@@ -20,8 +20,8 @@ namespace norvane::platform::data {
 //
 // What is written for each element is what is left of it in the end. What only somebody who looks at the
 // store in between would see (a value without its text, the open counts of the elements that are open) is
-// written when somebody can: before a report, before the reader is asked for more, and for each tag if the
-// locator is not this library's own.
+// written when somebody can, and the open elements begin to remember their children: before a report, before
+// a reader of the host's own is asked for more, and for each tag if the locator is not this library's own.
 //
 // Lives for one document. Everything that it needs is a member, so that a reporter or a locator may read
 // another document meanwhile.
@@ -66,7 +66,7 @@ class XMLParsingLogic final : public core::xml::XMLCallback, public core::xml::I
     void push(Owned<Metadata::Item>& object, Element& handler);
     void openPending();
     void endPending();
-    void countOpen();
+    void showOpen();
     void tellLocator();
     void endSubElement();
     void closeTop();
@@ -78,8 +78,8 @@ class XMLParsingLogic final : public core::xml::XMLCallback, public core::xml::I
     KeywordTable handlers_;
     const bool isLocatorForeign_;
     std::vector<OpenElement> stack_;
-    std::size_t counted_ = 0;  // of the stack, from the bottom, are counted as open
-    PendingValue pending_;     // in the top of the stack
+    std::size_t seen_ = 0;  // of the stack, from the bottom, may be met by others
+    PendingValue pending_;  // in the top of the stack
     Element* pendingHandler_ = nullptr;
     std::string text_;  // since the last tag that was not skipped
     char lowerName_[kNameLimit];

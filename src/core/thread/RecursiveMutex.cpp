@@ -109,11 +109,11 @@ bool RecursiveMutex::takeSoon(std::uint64_t taken) noexcept {
     constexpr int kFirst = 64;
     constexpr int kLast = 1024;
     for (int rounds = kFirst; rounds <= kLast; rounds *= 2) {
-        for (int round = 0; round < rounds; ++round) relax();
         std::uint64_t seen = 0;
         if (owner_.load(std::memory_order_relaxed) == 0 &&
             owner_.compare_exchange_strong(seen, taken, std::memory_order_acquire, std::memory_order_relaxed))
             return true;
+        for (int round = 0; round < rounds; ++round) relax();
     }
     return false;
 }

@@ -8,7 +8,6 @@
 #include <type_traits>
 #include <utility>
 
-#include "core/memory/LargePages.h"
 #include "norvane/platform/core/thread/RecursiveMutex.h"
 #include "stores/pool/RecordPool.h"
 
@@ -56,7 +55,6 @@ class Slots {
         if (!table) throw std::bad_alloc();
         table_ = static_cast<Block*>(table);
         room_ = room;
-        memory::preferLargePages(table, room * sizeof(Block));
     }
     void add(const Block& block) { table_[count_++] = block; }
 

@@ -277,6 +277,47 @@ TEST(Parse, OpenElementsAndTheRefusedOneCountAsOpenDuringAReport) {
     EXPECT_EQ(openCounts(store), 0U);
 }
 
+TEST(Parse, EmptyClassIsThatOfATableWithoutAName) {
+    MemoryDataStore types;
+    read(types, "<root name='t'><table name=''><double name='w'>1</double></table></root>", nullptr);
+    const auto locator = ISchemaLocator::make(&types);
+    Document document(inGroup("<group name='h' class=''/>"), locator.get());
+    EXPECT_TRUE(document.has("g.h.w"));
+}
+
+// An open element goes on answering from what it knew when somebody else's code ran.
+struct RenamingReporter : IErrorReporter {
+    explicit RenamingReporter(IDataStore& watched) : store(watched) {}
+    void report(WideString text) override {
+        if (reports.empty()) renamed = structure::IContainerFrontEnd::find(&store, u"g.a")->rename(u"z");
+        reports.push_back(narrow(text.view()));
+    }
+
+    IDataStore& store;
+    std::vector<std::string> reports;
+    bool renamed = false;
+};
+
+TEST(Parse, OpenElementRemembersItsChildrenByTheNamesThatTheyHadDuringAReport) {
+    for (const std::uint32_t siblings : {2U, 30U}) {
+        std::string inside = "<group name='a'/>";
+        for (std::uint32_t i = 0; i < siblings; ++i) inside += "<group name='s" + std::to_string(i) + "'/>";
+        inside += "<unknown/><group name='a'/><group name='z'/><group name='s1'/>";
+        MemoryDataStore store;
+        const std::string document = inGroup(inside);
+        MemoryReader reader(document);
+        RenamingReporter reporter(store);
+
+        IXMLFrontEnd::parse(&store, &reader, nullptr, nullptr, &reporter);
+
+        EXPECT_TRUE(reporter.renamed);
+        EXPECT_EQ(reporter.reports.size(), 3U);  // the unknown one, and two whose names are taken
+        Structural::Container group(&store, Metadata::resolvePath(&store, 0, u"g"));
+        EXPECT_EQ(group.children().size(), siblings + 2);
+        EXPECT_EQ(group.childCount(), siblings + 1);
+    }
+}
+
 // Gives the open counts of a store, by the order of its records, whenever it is asked for more.
 struct LookingReader : MemoryReader {
     LookingReader(std::string_view bytes, IDataStore& watched) : MemoryReader(bytes), store(watched) {}

@@ -76,9 +76,10 @@ void checkAllDefaults(IDataStore& store, const Survey& survey, const Tree& tree,
     });
 }
 
-}  // namespace
-
-Report check(IDataStore& store) {
+// Goes on to `act(survey, tree)`, under the same guard, where no error was found: what could not be read
+// would pass for something that nothing leads to.
+template <class Act>
+Report checkAnd(IDataStore& store, Act act) {
     const StoreGuard guard(&store);
     Findings findings;
     const Survey survey(store, findings);
@@ -89,7 +90,32 @@ Report check(IDataStore& store) {
     checkAllDefaults(store, survey, tree, findings);
     findings.sort();
     fillPaths(store, tree, findings.all);
-    return {std::move(findings.all), survey.recordCount()};
+    Report report{std::move(findings.all), survey.recordCount()};
+    if (report.isSound()) act(survey, tree);
+    return report;
+}
+
+// Lists and display names go with the entity that they belong to.
+bool isLedTo(const Survey& survey, const Tree& tree, std::uint32_t offset) {
+    return tree.isReachable(survey.isEntity(offset) ? offset : tree.ownerOf(offset));
+}
+
+}  // namespace
+
+Report check(IDataStore& store) {
+    return checkAnd(store, [](const Survey&, const Tree&) {});
+}
+
+Removal removeUnreachable(IDataStore& store) {
+    Removal removal;
+    removal.report = checkAnd(store, [&](const Survey& survey, const Tree& tree) {
+        survey.forEachOffset([&](std::uint32_t offset) {
+            if (survey.kindOf(offset) == Record::kNoKind || isLedTo(survey, tree, offset)) return;
+            store.remove(offset);
+            ++removal.removedCount;
+        });
+    });
+    return removal;
 }
 
 }  // namespace norvane::platform::data::integrity
